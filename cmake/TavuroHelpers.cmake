@@ -1,0 +1,50 @@
+# Small helpers that add the project's tests, benchmarks and fuzz targets
+# with the same settings everywhere.
+
+include_guard(GLOBAL)
+
+# tavuro_add_test(NAME SOURCES src... [LIBRARIES lib...])
+# A GoogleTest program; every test case becomes its own CTest test and so
+# runs in a fresh process (the library's process-wide state is never reset).
+function(tavuro_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE
+    TavuroCommon_internal GTest::gtest GTest::gtest_main ${ARG_LIBRARIES})
+  target_compile_options(${name} PRIVATE ${TAVURO_WARNINGS})
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    PROPERTIES ENVIRONMENT "TAVURO_SOURCE_DIR=${PROJECT_SOURCE_DIR}")
+endfunction()
+
+# tavuro_add_benchmark(NAME SOURCES src... [LIBRARIES lib...])
+function(tavuro_add_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE
+    TavuroCommon_internal benchmark::benchmark ${ARG_LIBRARIES})
+  target_compile_options(${name} PRIVATE ${TAVURO_WARNINGS})
+endfunction()
+
+# tavuro_add_fuzzer(NAME SOURCES src... CORPUS dir)
+# With TAVURO_BUILD_FUZZERS (clang) a libFuzzer target; otherwise a plain
+# program that replays every file of the corpus through the same entry
+# point, registered as a test so that the corpus runs in every build.
+function(tavuro_add_fuzzer name)
+  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE TavuroCommon_internal)
+  target_compile_options(${name} PRIVATE ${TAVURO_WARNINGS})
+  if(TAVURO_BUILD_FUZZERS)
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
+    if(TAVURO_BUILD_TESTS)
+      add_test(NAME ${name}.replay
+        COMMAND ${name} "${ARG_CORPUS}")
+    endif()
+  endif()
+  set_property(GLOBAL APPEND PROPERTY TAVURO_FUZZERS ${name})
+  set_property(GLOBAL APPEND PROPERTY TAVURO_FUZZ_CORPORA "${ARG_CORPUS}")
+endfunction()

@@ -1,0 +1,8 @@
+#include "TavuroCommon/TavuroCommon.h"
+
+namespace tavuro {
+
+// Out of line so that the vtable is emitted once, in this library.
+ITavuroPackage::~ITavuroPackage() = default;
+
+}  // namespace tavuro

@@ -1,0 +1,815 @@
+// TavuroCommon: the common base library of the Tavuro capture kit.
+//
+// This is the one header a host includes. It declares every public type of the
+// library; nothing else is needed to use it.
+//
+//   #include <TavuroCommon/TavuroCommon.h>
+//
+// General rules that hold for every declaration below:
+//
+//  * Failures are values. No exception leaves this interface: an operation that
+//    can fail returns an absent value (`std::nullopt`, `nullptr`), an empty
+//    dictionary, a documented default or `false`.
+//  * Two preconditions are deliberately not checked and end the process with
+//    a one-line message on standard error and `std::abort()`: a token without
+//    any "." given to `TavuroJwtParser::decode` / `parseToken`, and an absent
+//    argument to `Utils::dateFieldToDateString`.
+//  * Optional texts keep "absent" (`std::nullopt`) and "empty" (`""`) apart
+//    everywhere; nothing is trimmed or normalised.
+//  * Records (`TavuroError`, `Image`, `Endpoints`, `TavuroJwtToken`) are handed
+//    out as `std::shared_ptr` and live as long as anyone holds them.
+//  * The library writes nothing to the standard streams except the single line
+//    that `Utils::convertToDictionary` prints when a text is not valid JSON.
+
+#ifndef TAVUROCOMMON_TAVUROCOMMON_H_
+#define TAVUROCOMMON_TAVUROCOMMON_H_
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#if defined(_WIN32) && defined(TAVURO_SHARED_LIBRARY)
+#if defined(TAVURO_BUILDING_LIBRARY)
+#define TAVURO_EXPORT __declspec(dllexport)
+#else
+#define TAVURO_EXPORT __declspec(dllimport)
+#endif
+#elif defined(__GNUC__) || defined(__clang__)
+#define TAVURO_EXPORT __attribute__((visibility("default")))
+#else
+#define TAVURO_EXPORT
+#endif
+
+namespace tavuro {
+
+/// The kit's version text, also the initial value of `Utils::SDK_VERSION_CODE()`.
+inline constexpr char kVersion[] = "11.4.10";
+
+/// An absolute point in time: double-precision seconds since
+/// 1970-01-01T00:00:00 UTC, compared with the system clock.
+using Instant = std::chrono::time_point<std::chrono::system_clock,
+                                        std::chrono::duration<double>>;
+
+// ===========================================================================
+// Platform value types carried by records
+// ===========================================================================
+
+/// A point on a picture, in pixels. A plain value; copy freely.
+struct Point {
+  double x = 0.0;
+  double y = 0.0;
+
+  friend bool operator==(const Point& a, const Point& b) noexcept {
+    return a.x == b.x && a.y == b.y;
+  }
+  friend bool operator!=(const Point& a, const Point& b) noexcept {
+    return !(a == b);
+  }
+};
+
+/// A growable buffer of bytes shared by reference between whoever holds it
+/// (an `Image` and the package that filled it, for example): a change made
+/// through one holder is seen by all. Not synchronised: change it from one
+/// thread at a time.
+class TAVURO_EXPORT ByteBuffer {
+ public:
+  /// An empty buffer.
+  ByteBuffer() = default;
+  /// A buffer holding a copy of `size` bytes from `bytes` (`bytes` may be
+  /// null when `size` is 0).
+  ByteBuffer(const void* bytes, std::size_t size);
+  /// A buffer that takes over `bytes`.
+  explicit ByteBuffer(std::vector<std::uint8_t> bytes) noexcept;
+
+  /// A new, empty shared buffer.
+  static std::shared_ptr<ByteBuffer> newInstance();
+
+  std::size_t size() const noexcept { return bytes_.size(); }
+  bool empty() const noexcept { return bytes_.empty(); }
+  /// The first byte; valid until the buffer is next resized.
+  std::uint8_t* data() noexcept { return bytes_.data(); }
+  const std::uint8_t* data() const noexcept { return bytes_.data(); }
+
+  /// Appends `size` bytes from `bytes`.
+  void append(const void* bytes, std::size_t size);
+  /// Grows (with zero bytes) or shrinks the buffer to `size` bytes.
+  void resize(std::size_t size);
+  /// Empties the buffer.
+  void clear() noexcept { bytes_.clear(); }
+
+  /// The bytes themselves, for code that wants the whole vector.
+  std::vector<std::uint8_t>& bytes() noexcept { return bytes_; }
+  const std::vector<std::uint8_t>& bytes() const noexcept { return bytes_; }
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+};
+
+/// The layout of one pixel of a `Picture`.
+enum class PixelFormat : std::uint8_t {
+  Gray8 = 0,  ///< one byte of luminance
+  RGB8 = 1,   ///< red, green, blue, one byte each
+  RGBA8 = 2,  ///< red, green, blue, alpha, one byte each
+  BGRA8 = 3,  ///< blue, green, red, alpha, one byte each (camera order)
+};
+
+/// Bytes one pixel of `format` takes.
+TAVURO_EXPORT std::size_t bytesPerPixel(PixelFormat format) noexcept;
+
+/// A decoded picture: width, height, pixel format and the pixel rows, top row
+/// first, each row `bytesPerRow()` bytes long. Immutable once made, so it may
+/// be read from any thread.
+class TAVURO_EXPORT Picture {
+ public:
+  /// An empty picture: 0 x 0 pixels of `PixelFormat::RGBA8`.
+  Picture() = default;
+
+  /// A picture of `width` x `height` pixels of `format` made from `pixels`.
+  /// Returns nullptr when `pixels` does not hold exactly
+  /// width * height * bytesPerPixel(format) bytes, or that size overflows.
+  static std::shared_ptr<const Picture> make(std::uint32_t width,
+                                             std::uint32_t height,
+                                             PixelFormat format,
+                                             std::vector<std::uint8_t> pixels);
+
+  std::uint32_t width() const noexcept { return width_; }
+  std::uint32_t height() const noexcept { return height_; }
+  PixelFormat pixelFormat() const noexcept { return format_; }
+  std::size_t bytesPerRow() const noexcept {
+    return static_cast<std::size_t>(width_) * bytesPerPixel(format_);
+  }
+  const std::vector<std::uint8_t>& pixels() const noexcept { return pixels_; }
+
+ private:
+  std::uint32_t width_ = 0;
+  std::uint32_t height_ = 0;
+  PixelFormat format_ = PixelFormat::RGBA8;
+  std::vector<std::uint8_t> pixels_;
+};
+
+// ===========================================================================
+// Errors
+// ===========================================================================
+
+/// The kit's one error record: a code from `TavuroErrorCodes` and a text,
+/// normally the `TavuroErrorDescriptions` entry of the same failure. A plain
+/// value holder with no invariants between its fields; it is passed as a
+/// value and never thrown.
+///
+/// Thread safety: not synchronised. Fill it before handing it to another
+/// thread, then only read it.
+class TAVURO_EXPORT TavuroError {
+ public:
+  /// Code 0 (no code assigned) and an absent description.
+  TavuroError() = default;
+  /// Stores `errorCode`, then `errorDescription` (a copy; absent stays absent).
+  TavuroError(std::int64_t errorCode,
+              std::optional<std::string> errorDescription);
+  virtual ~TavuroError();
+
+  /// A new record exactly as the default constructor makes it.
+  static std::shared_ptr<TavuroError> newInstance();
+
+  /// The failure's code; 0 when none was assigned. Any value is accepted.
+  std::int64_t errorCode() const noexcept { return errorCode_; }
+  void setErrorCode(std::int64_t errorCode) noexcept { errorCode_ = errorCode; }
+
+  /// The failure's text for people; absent differs from empty.
+  const std::optional<std::string>& errorDescription() const noexcept {
+    return errorDescription_;
+  }
+  void setErrorDescription(std::optional<std::string> errorDescription) {
+    errorDescription_ = std::move(errorDescription);
+  }
+
+ private:
+  std::int64_t errorCode_ = 0;
+  std::optional<std::string> errorDescription_;
+};
+
+/// The fixed error codes of the kit. All are negative; the gaps in the
+/// numbering are unassigned. Each is a compile-time constant, so a host can
+/// `switch` on `TavuroError::errorCode()`.
+///
+/// Thread safety: constants; read them from anywhere.
+class TAVURO_EXPORT TavuroErrorCodes {
+ public:
+  static constexpr std::int64_t ERROR_InvalidCredentials = -1;
+  static constexpr std::int64_t ERROR_InitializationNotFinished = -4;
+  static constexpr std::int64_t ERROR_Network = -5;
+  static constexpr std::int64_t ERROR_InvalidJson = -6;
+  static constexpr std::int64_t ERROR_CouldNotCrop = -7;
+  static constexpr std::int64_t ERROR_CouldNotCreateConnectInstance = -13;
+  static constexpr std::int64_t ERROR_CouldNotUploadConnectImage = -14;
+  static constexpr std::int64_t ERROR_CouldNotUploadConnectBarcode = -15;
+  static constexpr std::int64_t ERROR_CouldNotGetConnectData = -16;
+  static constexpr std::int64_t ERROR_CouldNotClassifyDocument = -20;
+  static constexpr std::int64_t ERROR_LowResolutionImage = -21;
+  static constexpr std::int64_t ERROR_BlurryImage = -22;
+  static constexpr std::int64_t ERROR_ImageWithGlare = -23;
+  static constexpr std::int64_t ERROR_CouldNotGetIPLivenessToken = -24;
+  static constexpr std::int64_t ERROR_NotALiveFace = -25;
+  static constexpr std::int64_t ERROR_CouldNotAccessLivenessData = -26;
+  static constexpr std::int64_t ERROR_CouldNotAccessCredential = -27;
+  static constexpr std::int64_t ERROR_USER_CANCELED_ACTIVITY = -28;
+  static constexpr std::int64_t ERROR_INVALID_PARAMETER = -29;
+  static constexpr std::int64_t ERROR_KelmoInvalidFormat = -50;
+  static constexpr std::int64_t ERROR_EChipReadError = -60;
+  static constexpr std::int64_t ERROR_InvalidNfcTag = -61;
+  static constexpr std::int64_t ERROR_InvalidNfcKeyFormatting = -62;
+};
+
+/// The fixed error texts of the kit, untranslated. Most match a code of
+/// `TavuroErrorCodes`; five have no code. Note the deliberate irregular names
+/// `ERROR_DESC_ERROR_CouldNotAccessCredential` and
+/// `ERROR_DESC_INVALID_PARAMETERS`.
+///
+/// Thread safety: constants; read them from anywhere.
+class TAVURO_EXPORT TavuroErrorDescriptions {
+ public:
+  static constexpr char ERROR_DESC_InvalidCredentials[] = "Invalid credentials";
+  static constexpr char ERROR_DESC_InvalidEndpoint[] = "Invalid endpoint";
+  static constexpr char ERROR_DESC_Network[] = "Network problem";
+  static constexpr char ERROR_DESC_InitializationNotFinished[] =
+      "Initialization not finished";
+  static constexpr char ERROR_DESC_InvalidJson[] = "Invalid Json response";
+  static constexpr char ERROR_DESC_CouldNotCrop[] = "Could not crop image";
+  static constexpr char ERROR_DESC_BarcodeCaptureFailed[] =
+      "Barcode capture failed";
+  static constexpr char ERROR_DESC_BarcodeCaptureTimedOut[] =
+      "Barcode capture timed out";
+  static constexpr char ERROR_DESC_CouldNotCreateConnectInstance[] =
+      "Could not create connect Instance";
+  static constexpr char ERROR_DESC_CouldNotUploadConnectImage[] =
+      "Could not upload image to connect instance";
+  static constexpr char ERROR_DESC_CouldNotUploadConnectBarcode[] =
+      "Could not upload barcode to connect instance";
+  static constexpr char ERROR_DESC_CouldNotGetConnectData[] =
+      "Could not get connect image data";
+  static constexpr char ERROR_DESC_CardWidthNotSet[] = "Card width not set";
+  static constexpr char ERROR_DESC_CouldNotGetHealthCardData[] =
+      "Could not get health card data";
+  static constexpr char ERROR_DESC_CouldNotClassifyDocument[] =
+      "Could not classify document";
+  static constexpr char ERROR_DESC_LowResolutionImage[] =
+      "Low resolution image";
+  static constexpr char ERROR_DESC_BlurryImage[] = "Blurry image";
+  static constexpr char ERROR_DESC_ImageWithGlare[] = "Image has glare";
+  static constexpr char ERROR_DESC_CouldNotGetIPLivenessToken[] =
+      "Could not get face liveness token";
+  static constexpr char ERROR_DESC_NotALiveFace[] = "Not a live face";
+  static constexpr char ERROR_DESC_CouldNotAccessLivenessData[] =
+      "Could not access liveness data";
+  static constexpr char ERROR_DESC_ERROR_CouldNotAccessCredential[] =
+      "Could not get credential";
+  static constexpr char ERROR_DESC_USER_CANCELED_ACTIVITY[] =
+      "User canceled activity";
+  static constexpr char ERROR_DESC_INVALID_PARAMETERS[] = "Invalid Parameters.";
+  static constexpr char ERROR_DESC_KelmoInvalidFormat[] =
+      "Kelmo returned invalid format";
+  static constexpr char ERROR_DESC_EChipReadError[] =
+      "Error reading eChip. Connection lost to passport or incorrect key.";
+  static constexpr char ERROR_DESC_InvalidNfcTag[] =
+      "Tag Tech list was null. Most likely means unsupported passport/not a "
+      "passport";
+  static constexpr char ERROR_DESC_InvalidNfcKeyFormatting[] =
+      "Decryption key formatted incorrectly. Check DOB, DOE, and doc number.";
+};
+
+// ===========================================================================
+// Start-up
+// ===========================================================================
+
+/// What the initializer calls back with: an absent error (nullptr) means
+/// success, which is what `TavuroInitializer` always reports.
+using TavuroInitializerCallback =
+    std::function<void(std::shared_ptr<TavuroError>)>;
+
+/// A capture package: one start-up operation that reports nothing.
+class TAVURO_EXPORT ITavuroPackage {
+ public:
+  virtual ~ITavuroPackage();
+  /// Starts the package. Called by `TavuroInitializer`, once per occurrence
+  /// of the package in the list it is given.
+  virtual void initialize() = 0;
+};
+
+/// The start-up entry point as an interface.
+class TAVURO_EXPORT ITavuroInitializer {
+ public:
+  virtual ~ITavuroInitializer();
+  virtual void initialize(
+      const std::vector<std::shared_ptr<ITavuroPackage>>& packages,
+      TavuroInitializerCallback callback) = 0;
+};
+
+/// Starts the host's packages. `initialize` calls every package's
+/// `initialize()` in list order (duplicates included, null entries skipped),
+/// each returning before the next starts, and then calls `callback` exactly
+/// once with no error, all before it returns. It keeps no state: a second
+/// call starts every package again.
+///
+/// Thread safety: stateless; runs entirely on the calling thread.
+class TAVURO_EXPORT TavuroInitializer : public ITavuroInitializer {
+ public:
+  TavuroInitializer() = default;
+  ~TavuroInitializer() override;
+
+  void initialize(const std::vector<std::shared_ptr<ITavuroPackage>>& packages,
+                  TavuroInitializerCallback callback) override;
+};
+
+// ===========================================================================
+// Images and processing mode
+// ===========================================================================
+
+/// The result record of one captured picture: the picture, its encoded
+/// bytes, what the capture measured and, if it failed, the error. No field
+/// constrains another. The picture, the byte buffer and the error are held
+/// by shared reference, not copied.
+///
+/// Thread safety: not synchronised; filled by its producer before it is
+/// handed over.
+class TAVURO_EXPORT Image {
+ public:
+  /// Every field at its default: no picture, no bytes, dpi 0, no error,
+  /// isCorrectAspectRatio false, aspectRatio 0, no points, isPassport false.
+  Image() = default;
+  virtual ~Image();
+
+  /// A new record exactly as the default constructor makes it.
+  static std::shared_ptr<Image> newInstance();
+  /// A default record holding `image` and then `data` (which may be null).
+  static std::shared_ptr<Image> newInstance(std::shared_ptr<const Picture> image,
+                                            std::shared_ptr<ByteBuffer> data);
+
+  const std::shared_ptr<const Picture>& image() const noexcept { return image_; }
+  void setImage(std::shared_ptr<const Picture> image) noexcept {
+    image_ = std::move(image);
+  }
+
+  const std::shared_ptr<ByteBuffer>& data() const noexcept { return data_; }
+  void setData(std::shared_ptr<ByteBuffer> data) noexcept {
+    data_ = std::move(data);
+  }
+
+  std::int64_t dpi() const noexcept { return dpi_; }
+  void setDpi(std::int64_t dpi) noexcept { dpi_ = dpi; }
+
+  const std::shared_ptr<TavuroError>& error() const noexcept { return error_; }
+  void setError(std::shared_ptr<TavuroError> error) noexcept {
+    error_ = std::move(error);
+  }
+
+  bool isCorrectAspectRatio() const noexcept { return isCorrectAspectRatio_; }
+  void setIsCorrectAspectRatio(bool value) noexcept {
+    isCorrectAspectRatio_ = value;
+  }
+
+  float aspectRatio() const noexcept { return aspectRatio_; }
+  void setAspectRatio(float aspectRatio) noexcept { aspectRatio_ = aspectRatio; }
+
+  /// The located points, in the order they were written; never absent.
+  const std::vector<Point>& points() const noexcept { return points_; }
+  void setPoints(std::vector<Point> points) noexcept {
+    points_ = std::move(points);
+  }
+
+  bool isPassport() const noexcept { return isPassport_; }
+  void setIsPassport(bool isPassport) noexcept { isPassport_ = isPassport; }
+
+ private:
+  std::shared_ptr<const Picture> image_;
+  std::shared_ptr<ByteBuffer> data_;
+  std::int64_t dpi_ = 0;
+  std::shared_ptr<TavuroError> error_;
+  bool isCorrectAspectRatio_ = false;
+  float aspectRatio_ = 0.0F;
+  std::vector<Point> points_;
+  bool isPassport_ = false;
+};
+
+/// How captured documents are processed. Raw value 1 is data capture (what
+/// `DocumentProcessingMode::setDataCaptureProcessingMode()` selects), raw
+/// value 2 is the mode every process starts in; raw value 0 is defined by the
+/// packages that use it.
+enum class ProcessingMode : std::int64_t {
+  Reserved = 0,
+  DataCapture = 1,
+  Standard = 2,
+};
+
+/// A two-valued choice shared with the packages, which define its meaning.
+enum class DeleteType : std::int64_t {
+  Kind0 = 0,
+  Kind1 = 1,
+};
+
+/// The mode for `rawValue`, or nothing unless `rawValue` is 0, 1 or 2.
+TAVURO_EXPORT std::optional<ProcessingMode> processingModeWithRawValue(
+    std::int64_t rawValue) noexcept;
+/// The value for `rawValue`, or nothing unless `rawValue` is 0 or 1.
+TAVURO_EXPORT std::optional<DeleteType> deleteTypeWithRawValue(
+    std::int64_t rawValue) noexcept;
+/// The integer behind a value.
+constexpr std::int64_t rawValue(ProcessingMode mode) noexcept {
+  return static_cast<std::int64_t>(mode);
+}
+constexpr std::int64_t rawValue(DeleteType type) noexcept {
+  return static_cast<std::int64_t>(type);
+}
+
+/// The process-wide document processing mode. It starts at
+/// `ProcessingMode::Standard` on first use and can only be switched to
+/// `ProcessingMode::DataCapture`, for good.
+///
+/// Thread safety: the shared instance is created once whichever thread comes
+/// first; reads and the switch are single-word atomic stores and loads.
+class TAVURO_EXPORT DocumentProcessingMode {
+ public:
+  /// The current mode.
+  static ProcessingMode processingMode() noexcept;
+  /// Switches the process to data capture; calling it again changes nothing.
+  static void setDataCaptureProcessingMode() noexcept;
+
+ private:
+  DocumentProcessingMode() = default;
+  static DocumentProcessingMode& shared() noexcept;
+
+  std::atomic<std::int64_t> processingMode_{rawValue(ProcessingMode::Standard)};
+};
+
+// ===========================================================================
+// JSON values
+// ===========================================================================
+
+class JsonArray;
+class JsonDictionary;
+namespace detail {
+struct JsonDocument;
+struct JsonNode;
+}  // namespace detail
+
+/// One decoded JSON value: null, boolean, number, text, array or dictionary.
+/// Numbers remember whether they were read as a signed integer, an unsigned
+/// integer or a floating-point number.
+///
+/// Values are immutable and share the document they came from: copying one
+/// is cheap, and it keeps that document alive.
+///
+/// Thread safety: immutable; read it from any number of threads.
+class TAVURO_EXPORT JsonValue {
+ public:
+  enum class Kind : std::uint8_t { Null, Boolean, Number, String, Array, Object };
+  enum class NumberKind : std::uint8_t { Int64, UInt64, Double };
+
+  /// A null value.
+  JsonValue() noexcept;
+
+  Kind kind() const noexcept;
+  bool isNull() const noexcept { return kind() == Kind::Null; }
+
+  /// The boolean; nothing unless this is a JSON true or false.
+  std::optional<bool> boolValue() const noexcept;
+  /// How the number was read; nothing unless this is a number.
+  std::optional<NumberKind> numberKind() const noexcept;
+  /// The number as a signed 64-bit integer, only when it equals one exactly
+  /// (3 and 3.0 give 3; 3.5, 1e19 and 2^64-1 give nothing).
+  std::optional<std::int64_t> int64Value() const noexcept;
+  /// The number as an unsigned 64-bit integer, only when it equals one exactly.
+  std::optional<std::uint64_t> uint64Value() const noexcept;
+  /// The number as a double, only when it equals one exactly (the integer
+  /// 2^53+1 gives nothing).
+  std::optional<double> doubleValue() const noexcept;
+  /// The text, UTF-8; nothing unless this is a string. The view stays valid
+  /// while any value of the same document lives.
+  std::optional<std::string_view> stringValue() const noexcept;
+  /// The array; nothing unless this is an array.
+  std::optional<JsonArray> arrayValue() const;
+  /// The dictionary; nothing unless this is an object.
+  std::optional<JsonDictionary> dictionaryValue() const;
+
+ private:
+  friend class JsonArray;
+  friend class JsonDictionary;
+  friend struct detail::JsonDocument;
+  JsonValue(std::shared_ptr<const detail::JsonDocument> document,
+            const detail::JsonNode* node) noexcept;
+
+  std::shared_ptr<const detail::JsonDocument> document_;
+  const detail::JsonNode* node_ = nullptr;
+};
+
+/// A decoded JSON array: an ordered list of values.
+///
+/// Thread safety: immutable; read it from any number of threads.
+class TAVURO_EXPORT JsonArray {
+ public:
+  /// An empty array.
+  JsonArray() noexcept;
+
+  std::size_t size() const noexcept;
+  bool empty() const noexcept { return size() == 0; }
+  /// The element at `index`; a null value when `index` is out of range.
+  JsonValue operator[](std::size_t index) const noexcept;
+
+ private:
+  friend class JsonValue;
+  JsonArray(std::shared_ptr<const detail::JsonDocument> document,
+            const detail::JsonNode* node) noexcept;
+
+  std::shared_ptr<const detail::JsonDocument> document_;
+  const detail::JsonNode* node_ = nullptr;
+};
+
+/// A decoded JSON object: exact, case-sensitive text keys mapped to values.
+/// When an object repeated a key, the first value is the one kept.
+///
+/// Thread safety: immutable; read it from any number of threads.
+class TAVURO_EXPORT JsonDictionary {
+ public:
+  /// An empty dictionary.
+  JsonDictionary() noexcept;
+
+  std::size_t size() const noexcept;
+  bool empty() const noexcept { return size() == 0; }
+  bool contains(std::string_view key) const noexcept;
+  /// The value under `key`; nothing when there is no such key (a JSON null
+  /// under the key is a present null value).
+  std::optional<JsonValue> find(std::string_view key) const noexcept;
+  /// The key at `index` in the order of the text, for iteration together
+  /// with `valueAt`; empty when `index` is out of range.
+  std::string_view keyAt(std::size_t index) const noexcept;
+  /// The value at `index`; a null value when `index` is out of range.
+  JsonValue valueAt(std::size_t index) const noexcept;
+
+ private:
+  friend class JsonValue;
+  JsonDictionary(std::shared_ptr<const detail::JsonDocument> document,
+                 const detail::JsonNode* node) noexcept;
+
+  std::shared_ptr<const detail::JsonDocument> document_;
+  const detail::JsonNode* node_ = nullptr;
+};
+
+// ===========================================================================
+// Utilities and shared settings
+// ===========================================================================
+
+/// Lenient typed access to decoded JSON, conversion of /Date(ms)/ fields and
+/// the two shared settings. All operations are static.
+///
+/// Thread safety: the JSON and date operations hold no state and may run on
+/// any thread at once; the settings are copied whole on every read and write
+/// (guarded, so a racing read sees either the old or the new value).
+class TAVURO_EXPORT Utils {
+ public:
+  Utils() = default;
+
+  /// Parses `text` (UTF-8 bytes) as JSON. Returns the dictionary when the top
+  /// level is an object; absent when `text` is absent or the top level is an
+  /// array (silently). When the text is not valid JSON, prints the reader's
+  /// one-line error description followed by "\n" to standard output and
+  /// returns absent.
+  static std::optional<JsonDictionary> convertToDictionary(
+      const std::optional<std::string>& text);
+
+  // The typed getters. Each returns its default (0, 0.0, "", false or absent)
+  // when the dictionary is absent, the key is missing, the value is null or
+  // the value is not already of the wanted kind: nothing is converted between
+  // kinds. Numbers convert only when exactly representable.
+
+  static std::int64_t getIntValue(const std::optional<JsonDictionary>& jsonDict,
+                                  const std::string& key);
+  static double getDoubleValue(const std::optional<JsonDictionary>& jsonDict,
+                               const std::string& key);
+  static std::string getStringValue(
+      const std::optional<JsonDictionary>& jsonDict, const std::string& key);
+  static bool getBooleanValue(const std::optional<JsonDictionary>& jsonDict,
+                              const std::string& key);
+  static std::optional<JsonDictionary> getObjectValue(
+      const std::optional<JsonDictionary>& jsonDict, const std::string& key);
+  static std::optional<JsonArray> getArrayValue(
+      const std::optional<JsonDictionary>& jsonDict, const std::string& key);
+  /// The same as `getArrayValue`.
+  static std::optional<JsonArray> getArrayValueFromJson(
+      const std::optional<JsonDictionary>& jsonDict, const std::string& key);
+
+  /// Turns a date field such as "/Date(1234567890000)/" into "MM-dd-yyyy" in
+  /// GMT ("02-13-2009"). Every "Date", "/", "(" and ")" is removed; what
+  /// remains must be a signed decimal 64-bit count of milliseconds, which is
+  /// truncated toward zero to whole seconds. Anything else comes back
+  /// unchanged. An absent argument ends the process (see the top of this
+  /// header).
+  static std::optional<std::string> dateFieldToDateString(
+      const std::optional<std::string>& dateStr);
+
+  /// The JPEG quality (0.0 to 1.0 by convention, not checked) for images
+  /// that packages send to services. Starts at 0.9.
+  static double SENT_IMAGE_QUALITY_JPEG_COMPRESSION() noexcept;
+  static void setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality) noexcept;
+
+  /// The kit's version text. Starts at "11.4.10"; any text is stored as is.
+  static std::string SDK_VERSION_CODE();
+  static void setSDK_VERSION_CODE(std::string versionCode);
+};
+
+// ===========================================================================
+// Endpoints, tokens and the credential store
+// ===========================================================================
+
+/// The base addresses of the kit's cloud services, as the configuration
+/// file or the host gives them: nothing is checked, joined or normalised,
+/// and an empty text stays empty. Every field starts absent.
+///
+/// The credential store hands out its own record by shared reference, so a
+/// change made here is seen at once by every holder; it reaches the
+/// configuration file only at the store's next save, and only for
+/// `frmEndpoint`, `idEndpoint` and `healthInsuranceEndpoint`.
+///
+/// Thread safety: not synchronised; use it from one thread at a time.
+class TAVURO_EXPORT Endpoints {
+ public:
+  /// A record with every field absent.
+  Endpoints() = default;
+  virtual ~Endpoints();
+
+  /// A new record exactly as the default constructor makes it.
+  static std::shared_ptr<Endpoints> newInstance();
+
+  /// FRM service ("frm_endpoint").
+  virtual std::optional<std::string> frmEndpoint() const;
+  virtual void setFrmEndpoint(std::optional<std::string> endpoint);
+  /// Document authentication service ("ferisant_endpoint").
+  virtual std::optional<std::string> idEndpoint() const;
+  virtual void setIdEndpoint(std::optional<std::string> endpoint);
+  /// Passive liveness service ("passive_liveness_endpoint"; never saved).
+  virtual std::optional<std::string> passiveLivenessEndpoint() const;
+  virtual void setPassiveLivenessEndpoint(std::optional<std::string> endpoint);
+  /// Health insurance service ("med_endpoint").
+  virtual std::optional<std::string> healthInsuranceEndpoint() const;
+  virtual void setHealthInsuranceEndpoint(std::optional<std::string> endpoint);
+  /// Kelmo e-passport chip verification ("kelmo_endpoint"; never saved, and
+  /// given the built-in default when the file has no text under the key).
+  virtual std::optional<std::string> kelmoEndpoint() const;
+  virtual void setKelmoEndpoint(std::optional<std::string> endpoint);
+
+ private:
+  std::optional<std::string> frmEndpoint_;
+  std::optional<std::string> idEndpoint_;
+  std::optional<std::string> passiveLivenessEndpoint_;
+  std::optional<std::string> healthInsuranceEndpoint_;
+  std::optional<std::string> kelmoEndpoint_;
+};
+
+/// A session token: the token text sent to services and the instant from
+/// which it may no longer be used. Immutable; it neither decodes nor checks
+/// the text.
+///
+/// Thread safety: immutable; `isValid()` only reads the clock.
+class TAVURO_EXPORT TavuroJwtToken {
+ public:
+  /// Stores both unchanged; any text (even empty) and any instant is taken.
+  TavuroJwtToken(std::string value, Instant expiration);
+  virtual ~TavuroJwtToken();
+
+  /// The whole token, byte for byte as given.
+  const std::string& value() const noexcept { return value_; }
+  /// The instant from which the token is no longer valid.
+  Instant expiration() const noexcept { return expiration_; }
+
+  /// True while the current time is strictly before `expiration()`; false
+  /// at the very instant of expiry and after. No margin is applied.
+  virtual bool isValid() const;
+
+ private:
+  std::string value_;
+  Instant expiration_;
+};
+
+/// Decodes JSON Web Tokens (compact form) far enough to read the payload's
+/// "exp" claim. It verifies nothing: the header and signature are never
+/// read.
+///
+/// Thread safety: stateless; one parser may be used from any number of
+/// threads at once.
+class TAVURO_EXPORT TavuroJwtParser {
+ public:
+  TavuroJwtParser() = default;
+  virtual ~TavuroJwtParser();
+
+  /// A token record holding `jwtToken` unchanged and the payload's "exp" as
+  /// its expiration; nullptr when "exp" is missing or not a whole number
+  /// that fits a signed 64-bit integer. An expired token still gives a
+  /// record. `jwtToken` must contain a "." (see `decode`).
+  virtual std::shared_ptr<TavuroJwtToken> parseToken(
+      const std::string& jwtToken) const;
+
+  /// The claims of the payload (the second "."-separated segment); an empty
+  /// dictionary when that segment is not base64url of a JSON object.
+  /// A token without any "." ends the process: check for one first when
+  /// the text is not known to be a token.
+  virtual JsonDictionary decode(const std::string& jwtToken) const;
+
+  /// The bytes of a base64url text: "-" and "_" read as "+" and "/",
+  /// padding added to a multiple of four, characters outside the alphabet
+  /// skipped. Absent when the text cannot be decoded.
+  virtual std::optional<std::vector<std::uint8_t>> base64UrlDecode(
+      const std::string& text) const;
+
+  /// The JSON object in one base64url segment; absent when the segment does
+  /// not decode or does not hold a JSON object.
+  virtual std::optional<JsonDictionary> decodeJWTPart(
+      const std::string& segment) const;
+};
+
+/// Names the directory that stands for the host's resource bundle: the
+/// credential store reads and rewrites "TavuroConfig.plist" there. Call it
+/// before the first use of `Credential`; later calls do not reload the store.
+///
+/// Without this call the directory is the one in the environment variable
+/// `TAVURO_RESOURCE_PATH`, else the directory of the running executable.
+TAVURO_EXPORT void setResourceDirectory(const std::string& directory);
+
+/// The resource directory that is in force now, found as described at
+/// `setResourceDirectory`; empty when none can be determined.
+TAVURO_EXPORT std::string resourceDirectory();
+
+/// The process-wide credential store: user name, password, subscription,
+/// service endpoints and the current session token, and the HTTP
+/// "Authorization" values built from them.
+///
+/// The store loads itself once, on the first call of any operation, from
+/// "TavuroConfig.plist" in the resource directory (see
+/// `setResourceDirectory`). A missing or unreadable file, a malformed
+/// property list or a root that is not a dictionary leaves it empty. Every
+/// setter rewrites that file whole and atomically; the rewrite writes only
+/// "tavuro_username", "tavuro_password", "tavuro_subscription",
+/// "ferisant_endpoint", "med_endpoint" and "frm_endpoint" (each when present)
+/// so any other key, "passive_liveness_endpoint" and "kelmo_endpoint"
+/// included, is dropped from the file on purpose. A failed write is not
+/// reported; the new value stays in memory. The token is never written.
+///
+/// Thread safety: the first use is guarded, so concurrent first callers see
+/// one fully loaded store; after that nothing is synchronised, so call it
+/// from one thread at a time.
+class TAVURO_EXPORT Credential {
+ public:
+  static std::optional<std::string> username();
+  static std::optional<std::string> password();
+  static std::optional<std::string> subscription();
+  /// The store's own record (not a copy); nullptr when no configuration file
+  /// was read and none was set.
+  static std::shared_ptr<Endpoints> endpoints();
+
+  /// Drops the stored token; false when none was stored.
+  static bool removeToken();
+  /// Decodes `token` and stores it when its "exp" lies strictly after now.
+  /// False (with the stored token unchanged) when it cannot be decoded, has
+  /// no usable "exp" or has expired. `token` must contain a "."; see
+  /// `TavuroJwtParser::decode`.
+  static bool setToken(const std::string& token);
+  /// The stored token, expired or not; nullptr when none is stored.
+  static std::shared_ptr<TavuroJwtToken> getToken();
+  /// False for an absent or empty endpoint; otherwise true when user name,
+  /// password and subscription are all present and non-empty, or when any
+  /// token is stored (its expiry is not looked at).
+  static bool isCredentialValid(const std::optional<std::string>& endpoint);
+  /// "Bearer " and the stored token (expired or not) while one is stored,
+  /// else `getBasicAuthHeader()`.
+  static std::optional<std::string> getTavuroAuthHeader();
+  /// "Basic " and the base64 of user name ":" password; absent when either
+  /// is absent.
+  static std::optional<std::string> getBasicAuthHeader();
+
+  /// Each setter stores the value (absent clears it), then saves the file.
+  static void setUsername(const std::optional<std::string>& username);
+  static void setPassword(const std::optional<std::string>& password);
+  static void setSubscription(const std::optional<std::string>& subscription);
+  /// Stores the record itself, not a copy, then saves the file.
+  static void setEndpoints(std::shared_ptr<Endpoints> endpoints);
+
+ private:
+  Credential();
+  static Credential& shared();
+  void load();
+  void saveFile() const;
+
+  std::optional<std::string> tavuro_username_;
+  std::optional<std::string> tavuro_password_;
+  std::optional<std::string> tavuro_subscription_;
+  std::shared_ptr<Endpoints> tavuro_endpoints_;
+  std::shared_ptr<TavuroJwtToken> token_;
+  std::shared_ptr<TavuroJwtParser> jwtParser_;
+};
+
+}  // namespace tavuro
+
+#endif  // TAVUROCOMMON_TAVUROCOMMON_H_

@@ -1,0 +1,29 @@
+// The JSON reader behind `JsonValue`: RFC 8259 with the phone platform's
+// choices (top level object or array only, first duplicate key wins, depth
+// limit 512, UTF-8/16/32 input detection).
+#ifndef TAVURO_PLATFORM_JSON_H_
+#define TAVURO_PLATFORM_JSON_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "TavuroCommon/TavuroCommon.h"
+
+namespace tavuro::platform {
+
+struct JsonParseResult {
+  /// The top-level object or array; nullopt on a parse error.
+  std::optional<JsonValue> value;
+  /// On a parse error, one line saying what is wrong and where, such as
+  /// "Unexpected character 'x' at line 1, column 7."; empty otherwise.
+  std::string errorDescription;
+};
+
+/// Parses `bytes`. Never throws for bad input and never recurses deeper
+/// than the nesting limit.
+JsonParseResult parseJson(std::string_view bytes);
+
+}  // namespace tavuro::platform
+
+#endif  // TAVURO_PLATFORM_JSON_H_

@@ -1,0 +1,39 @@
+# Shared by scripts/run and scripts/test: say what is done, install what is
+# missing, build a preset.
+
+say() { printf '\n==> %s\n' "$*"; }
+
+# Debian packages the build and the tests need. Installed only when one of
+# them is missing, so a prepared machine pays nothing.
+TAVURO_PACKAGES=(
+  cmake ninja-build g++ clang libclang-rt-14-dev pkg-config python3
+  googletest libgtest-dev libbenchmark-dev
+)
+
+ensure_packages() {
+  local missing=()
+  local p
+  for p in "${TAVURO_PACKAGES[@]}" "$@"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" ||
+      missing+=("$p")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then
+    say "All build packages are present"
+    return
+  fi
+  say "Installing Debian packages: ${missing[*]}"
+  local sudo=""
+  [ "$(id -u)" -eq 0 ] || sudo="sudo"
+  $sudo apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+
+# build_preset NAME [extra cmake arguments...]
+build_preset() {
+  local preset=$1
+  shift
+  say "Configuring preset '$preset'"
+  cmake --preset "$preset" "$@" >/dev/null
+  say "Building preset '$preset'"
+  cmake --build --preset "$preset"
+}
