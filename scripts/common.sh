@@ -8,6 +8,7 @@ say() { printf '\n==> %s\n' "$*"; }
 TAVURO_PACKAGES=(
   cmake ninja-build g++ clang libclang-rt-14-dev pkg-config python3
   googletest libgtest-dev libbenchmark-dev
+  rapidjson-dev libsimdjson-dev nlohmann-json3-dev libicu-dev
 )
 
 ensure_packages() {
