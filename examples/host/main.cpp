@@ -9,6 +9,13 @@
 
 namespace {
 
+// The directory of this program, where the build puts the sample resources.
+std::string programDirectory(const char* argv0) {
+  const std::string path(argv0);
+  const auto slash = path.find_last_of('/');
+  return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
 std::string describe(const std::optional<std::string>& text) {
   return text ? "\"" + *text + "\"" : "(absent)";
 }
@@ -77,7 +84,9 @@ void showModeAndSettings() {
 
 }  // namespace
 
-int main() {
+int main(int /*argc*/, char** argv) {
+  const std::string resources = programDirectory(argv[0]);
+  (void)resources;
   startPackages();
   showResults();
   showModeAndSettings();
