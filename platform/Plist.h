@@ -16,6 +16,12 @@ namespace tavuro::platform {
 /// recognised, checked and left out. nullopt when the bytes are not a
 /// well-formed property list or the root is not a dictionary. Never crashes,
 /// hangs or allocates without bound on hostile input.
+///
+/// A key given twice in one dict takes its last value. Containers nest at
+/// most 128 deep, the root dict counting as one. XML must be UTF-8 (a
+/// byte-order mark is skipped; another declared encoding is refused); its
+/// text is kept byte for byte, line ends and control characters included.
+/// Integers are decimal or 0x-hexadecimal, signed, from -2^63 to 2^64-1.
 std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes);
 

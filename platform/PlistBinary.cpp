@@ -1,0 +1,280 @@
+// The binary form of a property list ("bplist00"): a header, the objects,
+// a table of object offsets and a 32-byte trailer, all big-endian. Every
+// number read from the file is checked before it is used, since a hostile
+// file can claim any size, count, offset or reference.
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/PlistFormats.h"
+
+namespace tavuro::platform {
+
+namespace {
+
+constexpr std::string_view kMagic = "bplist00";
+constexpr std::uint64_t kTrailerSize = 32;
+
+// Strings in the root dict are copied into the result; objects may be
+// shared, so one long string referenced under many keys could expand far
+// beyond the file. The copies together may not exceed this many times the
+// file's size.
+constexpr std::uint64_t kMaxExpansion = 64;
+
+enum ObjectType : std::uint8_t {
+  kSingleton = 0x0,  // null, false, true, fill
+  kInteger = 0x1,
+  kReal = 0x2,
+  kDate = 0x3,
+  kData = 0x4,
+  kAsciiString = 0x5,
+  kUtf16String = 0x6,
+  kUid = 0x8,
+  kArray = 0xA,
+  kSet = 0xC,
+  kDict = 0xD,
+};
+
+bool isStringType(std::uint8_t type) {
+  return type == kAsciiString || type == kUtf16String;
+}
+
+bool isContainerType(std::uint8_t type) {
+  return type == kArray || type == kSet || type == kDict;
+}
+
+/// An object's marker with its length or count resolved.
+struct ObjectHeader {
+  std::uint8_t type = 0;
+  std::uint8_t info = 0;      // low nibble of the marker
+  std::uint64_t count = 0;    // bytes, UTF-16 units, or entries
+  std::uint64_t content = 0;  // offset of what follows the marker
+};
+
+class BinaryPlistReader {
+ public:
+  explicit BinaryPlistReader(std::string_view input) : in_(input) {}
+
+  std::optional<PlistStringDictionary> read() {
+    if (!readTrailer() || !checkOffsetTable()) return std::nullopt;
+    std::optional<ObjectHeader> root = readHeader(topObject_);
+    if (!root || root->type != kDict) return std::nullopt;
+    heights_.assign(objectCount_, kUnchecked);
+    onPath_.assign(objectCount_, false);
+    if (!checkObject(topObject_, 1)) return std::nullopt;
+    return collectStrings(*root);
+  }
+
+ private:
+  static constexpr int kUnchecked = -1;
+
+  std::uint64_t readBigEndian(std::uint64_t at, std::uint64_t width) const {
+    std::uint64_t value = 0;
+    for (std::uint64_t i = 0; i < width; ++i) {
+      value = (value << 8) | static_cast<unsigned char>(in_[at + i]);
+    }
+    return value;
+  }
+
+  /// True when `count` items of `unit` bytes starting at `start` end within
+  /// the object area.
+  bool fits(std::uint64_t start, std::uint64_t count, std::uint64_t unit) const {
+    if (start > objectsEnd_) return false;
+    return count <= (objectsEnd_ - start) / unit;
+  }
+
+  bool readTrailer() {
+    const std::uint64_t size = in_.size();
+    if (size < kMagic.size() + kTrailerSize || in_.substr(0, kMagic.size()) != kMagic) {
+      return false;
+    }
+    const std::uint64_t trailer = size - kTrailerSize;
+    offsetSize_ = readBigEndian(trailer + 6, 1);
+    refSize_ = readBigEndian(trailer + 7, 1);
+    objectCount_ = readBigEndian(trailer + 8, 8);
+    topObject_ = readBigEndian(trailer + 16, 8);
+    objectsEnd_ = readBigEndian(trailer + 24, 8);
+    if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) return false;
+    if (objectCount_ == 0 || topObject_ >= objectCount_) return false;
+    // At least one object byte after the magic, then the offset table,
+    // which must end before the trailer.
+    if (objectsEnd_ <= kMagic.size() || objectsEnd_ > trailer) return false;
+    return objectCount_ <= (trailer - objectsEnd_) / offsetSize_;
+  }
+
+  std::uint64_t objectOffset(std::uint64_t index) const {
+    return readBigEndian(objectsEnd_ + index * offsetSize_, offsetSize_);
+  }
+
+  bool checkOffsetTable() const {
+    for (std::uint64_t i = 0; i < objectCount_; ++i) {
+      const std::uint64_t offset = objectOffset(i);
+      if (offset < kMagic.size() || offset >= objectsEnd_) return false;
+    }
+    return true;
+  }
+
+  /// The marker of object `index` and, for kinds that have one, its length
+  /// or count, which a low nibble of 0xF moves into a following integer.
+  std::optional<ObjectHeader> readHeader(std::uint64_t index) const {
+    const std::uint64_t offset = objectOffset(index);
+    const auto marker = static_cast<std::uint8_t>(in_[offset]);
+    ObjectHeader header{static_cast<std::uint8_t>(marker >> 4),
+                        static_cast<std::uint8_t>(marker & 0xF), marker & 0xFu, offset + 1};
+    const bool hasCount =
+        header.type == kData || isStringType(header.type) || isContainerType(header.type);
+    if (!hasCount || header.info != 0xF) return header;
+    if (!fits(header.content, 1, 1)) return std::nullopt;
+    const auto countMarker = static_cast<std::uint8_t>(in_[header.content]);
+    if ((countMarker >> 4) != kInteger || (countMarker & 0xF) > 3) return std::nullopt;
+    const std::uint64_t width = std::uint64_t{1} << (countMarker & 0xF);
+    if (!fits(header.content + 1, width, 1)) return std::nullopt;
+    header.count = readBigEndian(header.content + 1, width);
+    // Eight-byte integers are signed: a "negative" count is malformed.
+    if (header.count >> 63 != 0) return std::nullopt;
+    header.content += 1 + width;
+    return header;
+  }
+
+  std::optional<std::uint64_t> readReference(std::uint64_t at) const {
+    const std::uint64_t ref = readBigEndian(at, refSize_);
+    if (ref >= objectCount_) return std::nullopt;
+    return ref;
+  }
+
+  /// Checks object `index` and everything it reaches. `depth` is its
+  /// nesting level if it is a container. Each object is checked once: its
+  /// subtree height is remembered, so shared references cost one lookup and
+  /// the work stays linear in the file size. The objects on the current path
+  /// are marked, so a container that reaches itself is rejected.
+  bool checkObject(std::uint64_t index, int depth) {
+    if (onPath_[index]) return false;
+    if (heights_[index] != kUnchecked) return depth - 1 + heights_[index] <= kPlistMaxDepth;
+    std::optional<ObjectHeader> header = readHeader(index);
+    if (!header) return false;
+    int height = 0;
+    if (isContainerType(header->type)) {
+      if (depth > kPlistMaxDepth) return false;
+      onPath_[index] = true;
+      std::optional<int> childHeight = checkChildren(*header, depth);
+      onPath_[index] = false;
+      if (!childHeight) return false;
+      height = 1 + *childHeight;
+    } else if (!checkScalar(*header)) {
+      return false;
+    }
+    heights_[index] = height;
+    return true;
+  }
+
+  /// The greatest subtree height among the children of a container.
+  std::optional<int> checkChildren(const ObjectHeader& header, int depth) {
+    const std::uint64_t perEntry = header.type == kDict ? 2 : 1;
+    if (header.count > UINT64_MAX / perEntry ||
+        !fits(header.content, header.count * perEntry, refSize_)) {
+      return std::nullopt;
+    }
+    int maxHeight = 0;
+    for (std::uint64_t i = 0; i < header.count * perEntry; ++i) {
+      std::optional<std::uint64_t> child = readReference(header.content + i * refSize_);
+      if (!child || !checkObject(*child, depth + 1)) return std::nullopt;
+      // In a dict the first half of the references are the keys.
+      if (header.type == kDict && i < header.count && !isStringType(readHeader(*child)->type)) {
+        return std::nullopt;
+      }
+      maxHeight = std::max(maxHeight, heights_[*child]);
+    }
+    return maxHeight;
+  }
+
+  bool checkScalar(const ObjectHeader& header) const {
+    switch (header.type) {
+      case kSingleton:
+        return header.info == 0x0 || header.info == 0x8 || header.info == 0x9 || header.info == 0xF;
+      case kInteger: return header.info <= 4 && fits(header.content, 1u << header.info, 1);
+      case kReal:
+        return (header.info == 2 || header.info == 3) && fits(header.content, 1u << header.info, 1);
+      case kDate: return header.info == 3 && fits(header.content, 8, 1);
+      case kData: return fits(header.content, header.count, 1);
+      case kAsciiString:
+      case kUtf16String: return decodeString(header).has_value();
+      case kUid: return fits(header.content, header.info + 1u, 1);
+      default: return false;
+    }
+  }
+
+  /// The text of an ASCII or UTF-16 string object as UTF-8.
+  std::optional<std::string> decodeString(const ObjectHeader& header) const {
+    return header.type == kAsciiString ? decodeAscii(header) : decodeUtf16(header);
+  }
+
+  std::optional<std::string> decodeAscii(const ObjectHeader& header) const {
+    if (!fits(header.content, header.count, 1)) return std::nullopt;
+    std::string text(in_.substr(header.content, header.count));
+    for (char c : text) {
+      if (static_cast<unsigned char>(c) >= 0x80) return std::nullopt;
+    }
+    return text;
+  }
+
+  std::optional<std::string> decodeUtf16(const ObjectHeader& header) const {
+    if (!fits(header.content, header.count, 2)) return std::nullopt;
+    std::string text;
+    text.reserve(header.count);
+    for (std::uint64_t i = 0; i < header.count; ++i) {
+      const auto unit = static_cast<char32_t>(readBigEndian(header.content + 2 * i, 2));
+      if (unit >= 0xDC00 && unit <= 0xDFFF) return std::nullopt;  // low surrogate first
+      if (unit < 0xD800 || unit > 0xDBFF) {
+        appendUtf8(text, unit);
+        continue;
+      }
+      if (++i == header.count) return std::nullopt;
+      const auto low = static_cast<char32_t>(readBigEndian(header.content + 2 * i, 2));
+      if (low < 0xDC00 || low > 0xDFFF) return std::nullopt;
+      appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+    }
+    return text;
+  }
+
+  /// The string entries of the (already checked) root dict; a repeated key
+  /// takes its last value and is dropped if that is not a string.
+  std::optional<PlistStringDictionary> collectStrings(const ObjectHeader& root) {
+    std::uint64_t budget = kMaxExpansion * in_.size();
+    PlistStringDictionary entries;
+    for (std::uint64_t i = 0; i < root.count; ++i) {
+      const ObjectHeader keyHeader = *readHeader(*readReference(root.content + i * refSize_));
+      const ObjectHeader valueHeader =
+          *readHeader(*readReference(root.content + (root.count + i) * refSize_));
+      const bool valueIsString = isStringType(valueHeader.type);
+      const std::uint64_t cost = keyHeader.count + (valueIsString ? valueHeader.count : 0);
+      if (cost > budget) return std::nullopt;
+      budget -= cost;
+      std::string key = *decodeString(keyHeader);
+      if (valueIsString) {
+        entries[std::move(key)] = *decodeString(valueHeader);
+      } else {
+        entries.erase(key);
+      }
+    }
+    return entries;
+  }
+
+  std::string_view in_;
+  std::uint64_t offsetSize_ = 0;
+  std::uint64_t refSize_ = 0;
+  std::uint64_t objectCount_ = 0;
+  std::uint64_t topObject_ = 0;
+  std::uint64_t objectsEnd_ = 0;  // where the offset table starts
+  std::vector<int> heights_;      // subtree height of each checked object
+  std::vector<bool> onPath_;
+};
+
+}  // namespace
+
+std::optional<PlistStringDictionary> readBinaryPlistStringDictionary(std::string_view bytes) {
+  return BinaryPlistReader(bytes).read();
+}
+
+}  // namespace tavuro::platform
