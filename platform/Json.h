@@ -1,6 +1,10 @@
 // The JSON reader behind `JsonValue`: RFC 8259 with the phone platform's
 // choices (top level object or array only, first duplicate key wins, depth
 // limit 512, UTF-8/16/32 input detection).
+//
+// Memory: a document holds a copy of its text and 16 bytes per value and per
+// key. When a large document goes away, up to 8 MB of its node memory is
+// kept for the next parse (see releaseJsonMemory).
 #ifndef TAVURO_PLATFORM_JSON_H_
 #define TAVURO_PLATFORM_JSON_H_
 
@@ -23,6 +27,10 @@ struct JsonParseResult {
 /// Parses `bytes`. Never throws for bad input and never recurses deeper
 /// than the nesting limit.
 JsonParseResult parseJson(std::string_view bytes);
+
+/// Frees the node memory kept from documents that are gone. Documents still
+/// alive are not affected.
+void releaseJsonMemory() noexcept;
 
 }  // namespace tavuro::platform
 

@@ -1,5 +1,6 @@
 // A small host application: it goes through the order in which a host uses
 // TavuroCommon, printing what each step gives.
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -82,12 +83,66 @@ void showModeAndSettings() {
   std::printf("  kit version: %s\n", tavuro::Utils::SDK_VERSION_CODE().c_str());
 }
 
+// Before start-up: the first use of Credential loads TavuroConfig.plist from
+// the resource directory. Only getters are called here, so the sample file
+// is read and never rewritten.
+void loadConfiguration(const std::string& resources) {
+  tavuro::setResourceDirectory(resources);
+  std::printf("Configuration from %s/TavuroConfig.plist\n", resources.c_str());
+  std::printf("  user name %s, subscription %s\n", describe(tavuro::Credential::username()).c_str(),
+              describe(tavuro::Credential::subscription()).c_str());
+  const auto endpoints = tavuro::Credential::endpoints();
+  if (!endpoints) {
+    std::printf("  no configuration file was read\n");
+    return;
+  }
+  std::printf("  FRM %s\n  document authentication %s\n  passive liveness %s\n"
+              "  health insurance %s\n  Kelmo %s\n",
+              describe(endpoints->frmEndpoint()).c_str(), describe(endpoints->idEndpoint()).c_str(),
+              describe(endpoints->passiveLivenessEndpoint()).c_str(),
+              describe(endpoints->healthInsuranceEndpoint()).c_str(),
+              describe(endpoints->kelmoEndpoint()).c_str());
+  std::printf("  credentials suffice for document authentication: %s\n",
+              tavuro::Credential::isCredentialValid(endpoints->idEndpoint()) ? "yes" : "no");
+}
+
+std::string base64Url(const std::string& bytes) {
+  static const char alphabet[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+  std::string text;
+  unsigned bits = 0;
+  int count = 0;
+  for (const unsigned char byte : bytes) {
+    bits = (bits << 8) | byte;
+    for (count += 8; count >= 6; count -= 6) text += alphabet[(bits >> (count - 6)) & 63];
+  }
+  if (count > 0) text += alphabet[(bits << (6 - count)) & 63];
+  return text;
+}
+
+// After start-up: the header a package sends, first with the account's
+// credentials, then with a session token such as a service hands out.
+void useSessionToken() {
+  std::printf("Authorization headers\n");
+  std::printf("  basic: %s\n", describe(tavuro::Credential::getBasicAuthHeader()).c_str());
+  const auto inOneHour = std::chrono::duration_cast<std::chrono::seconds>(
+                             std::chrono::system_clock::now().time_since_epoch())
+                             .count() + 3600;
+  const std::string token = base64Url(R"({"alg":"none"})") + "." +
+                            base64Url("{\"exp\":" + std::to_string(inOneHour) + "}") + "." +
+                            base64Url("signature");
+  std::printf("  token stored: %s\n", tavuro::Credential::setToken(token) ? "yes" : "no");
+  std::printf("  bearer: %s\n", describe(tavuro::Credential::getTavuroAuthHeader()).c_str());
+  std::printf("  token removed: %s\n", tavuro::Credential::removeToken() ? "yes" : "no");
+}
+
 }  // namespace
 
 int main(int /*argc*/, char** argv) {
   const std::string resources = programDirectory(argv[0]);
-  (void)resources;
+  loadConfiguration(resources);
   startPackages();
+  useSessionToken();
   showResults();
   showModeAndSettings();
   return 0;

@@ -453,6 +453,7 @@ class TAVURO_EXPORT DocumentProcessingMode {
 class JsonArray;
 class JsonDictionary;
 namespace detail {
+struct JsonAccess;
 struct JsonDocument;
 struct JsonNode;
 }  // namespace detail
@@ -499,7 +500,7 @@ class TAVURO_EXPORT JsonValue {
  private:
   friend class JsonArray;
   friend class JsonDictionary;
-  friend struct detail::JsonDocument;
+  friend struct detail::JsonAccess;
   JsonValue(std::shared_ptr<const detail::JsonDocument> document,
             const detail::JsonNode* node) noexcept;
 
@@ -522,6 +523,7 @@ class TAVURO_EXPORT JsonArray {
 
  private:
   friend class JsonValue;
+  friend struct detail::JsonAccess;
   JsonArray(std::shared_ptr<const detail::JsonDocument> document,
             const detail::JsonNode* node) noexcept;
 
@@ -552,6 +554,7 @@ class TAVURO_EXPORT JsonDictionary {
 
  private:
   friend class JsonValue;
+  friend struct detail::JsonAccess;
   JsonDictionary(std::shared_ptr<const detail::JsonDocument> document,
                  const detail::JsonNode* node) noexcept;
 
@@ -732,10 +735,21 @@ class TAVURO_EXPORT TavuroJwtParser {
 
 /// Names the directory that stands for the host's resource bundle: the
 /// credential store reads and rewrites "TavuroConfig.plist" there. Call it
-/// before the first use of `Credential`; later calls do not reload the store.
+/// before the first use of `Credential`; later calls do not reload the store
+/// (its saves do go to the directory named last). An empty text withdraws
+/// the name.
 ///
-/// Without this call the directory is the one in the environment variable
-/// `TAVURO_RESOURCE_PATH`, else the directory of the running executable.
+/// Without a name the directory is the one in the environment variable
+/// `TAVURO_RESOURCE_PATH` (when set and not empty), else the directory of
+/// the running executable (found through /proc/self/exe on Linux and the
+/// loader's executable path on macOS; none elsewhere).
+///
+/// The configuration resource exists only when
+/// "<directory>/TavuroConfig.plist" is a regular file (or a link to one).
+/// Otherwise the store starts empty and its setters write no file at all:
+/// the library never creates the configuration file.
+///
+/// Thread safety: may be called from any thread; the name is guarded.
 TAVURO_EXPORT void setResourceDirectory(const std::string& directory);
 
 /// The resource directory that is in force now, found as described at
@@ -754,8 +768,12 @@ TAVURO_EXPORT std::string resourceDirectory();
 /// "tavuro_username", "tavuro_password", "tavuro_subscription",
 /// "ferisant_endpoint", "med_endpoint" and "frm_endpoint" (each when present)
 /// so any other key, "passive_liveness_endpoint" and "kelmo_endpoint"
-/// included, is dropped from the file on purpose. A failed write is not
-/// reported; the new value stays in memory. The token is never written.
+/// included, is dropped from the file on purpose. Every setter saves, even
+/// when the value did not change. A save writes a new file beside the old
+/// one, flushes it, gives it the old file's permission bits and renames it
+/// over the old one, so the file is never left half written. A failed write
+/// is not reported; the new value stays in memory. The token is never
+/// written. Saving needs a POSIX system; elsewhere changes stay in memory.
 ///
 /// Thread safety: the first use is guarded, so concurrent first callers see
 /// one fully loaded store; after that nothing is synchronised, so call it
@@ -801,6 +819,7 @@ class TAVURO_EXPORT Credential {
   static Credential& shared();
   void load();
   void saveFile() const;
+  void refreshBasicAuthHeader();
 
   std::optional<std::string> tavuro_username_;
   std::optional<std::string> tavuro_password_;
@@ -808,6 +827,9 @@ class TAVURO_EXPORT Credential {
   std::shared_ptr<Endpoints> tavuro_endpoints_;
   std::shared_ptr<TavuroJwtToken> token_;
   std::shared_ptr<TavuroJwtParser> jwtParser_;
+  // Built whenever the user name or password changes, so that the header
+  // asked for on every request costs one copy.
+  std::optional<std::string> basicAuthHeader_;
 };
 
 }  // namespace tavuro

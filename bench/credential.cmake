@@ -1,0 +1,1 @@
+tavuro_add_benchmark(bench_credential SOURCES credential_bench.cpp)

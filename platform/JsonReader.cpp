@@ -1,0 +1,926 @@
+// The JSON reader: bytes in, one shared document out.
+//
+// The text is copied once into a buffer owned by the document (converted to
+// UTF-8 first when it arrives as UTF-16 or UTF-32) and parsed in place:
+// a string without escapes stays where it is, and escapes are decoded by
+// moving the rest of their string forward. The buffer ends in kPadding zero
+// bytes, so the scanners may read ahead without bounds checks: a zero byte
+// stops every one of them, and only then is the end of the text looked at.
+//
+// Parsing is iterative. Values are pushed on a pending stack; when a
+// container closes, its children move from that stack into the document's
+// node array in one block.
+#include <algorithm>
+#include <cfloat>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <locale>
+#include <mutex>
+#include <new>
+#include <sstream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#if defined(__SSE2__) && !defined(TAVURO_JSON_PORTABLE_SCAN)
+#include <emmintrin.h>
+#define TAVURO_JSON_SSE2 1
+#endif
+
+#include "platform/Json.h"
+#include "platform/JsonDocument.h"
+#include "platform/JsonInput.h"
+#include "platform/NoDestructor.h"
+
+namespace tavuro {
+namespace detail {
+
+std::uint64_t processHashSeed() noexcept {
+  static const std::uint64_t seed = [] {
+    static const int anchor = 0;
+    const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&anchor));
+    const auto now =
+        static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+    return mixHash(address ^ 0x243F6A8885A308D3ULL, now ^ 0x13198A2E03707344ULL);
+  }();
+  return seed;
+}
+
+// Full-size arena chunks of documents that are gone, kept for the next
+// parse up to a fixed total. Fresh memory from the system must be faulted in
+// page by page, which for a large document costs about as much as parsing
+// it; recycled chunks are already mapped.
+class ChunkPool {
+ public:
+  static constexpr std::size_t kChunkBytes = 64 * 1024 - 32;  // with headers, under 64 KB
+  static constexpr std::size_t kMaxPooledChunks = 128;        // 8 MB
+
+  static ChunkPool& instance() {
+    static platform::NoDestructor<ChunkPool> pool;
+    return *pool;
+  }
+
+  NodeArena::Chunk* take() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    NodeArena::Chunk* chunk = free_;
+    if (chunk != nullptr) {
+      free_ = chunk->next;
+      --count_;
+    }
+    return chunk;
+  }
+
+  NodeArena::Chunk* takeAll() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    NodeArena::Chunk* all = free_;
+    free_ = nullptr;
+    count_ = 0;
+    return all;
+  }
+
+  // Keeps what fits and returns the rest, to be freed outside the lock.
+  NodeArena::Chunk* give(NodeArena::Chunk* list) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    while (list != nullptr && count_ < kMaxPooledChunks) {
+      NodeArena::Chunk* next = list->next;
+      list->next = free_;
+      free_ = list;
+      ++count_;
+      list = next;
+    }
+    return list;
+  }
+
+ private:
+  std::mutex mutex_;
+  NodeArena::Chunk* free_ = nullptr;
+  std::size_t count_ = 0;
+};
+
+NodeArena::~NodeArena() {
+  Chunk* poolable = nullptr;
+  while (chunks_ != nullptr) {
+    Chunk* next = chunks_->next;
+    if (chunks_->size == ChunkPool::kChunkBytes) {
+      chunks_->next = poolable;
+      poolable = chunks_;
+    } else {
+      ::operator delete(chunks_);
+    }
+    chunks_ = next;
+  }
+  freeChunks(poolable == nullptr ? nullptr : ChunkPool::instance().give(poolable));
+}
+
+void NodeArena::freeChunks(Chunk* list) noexcept {
+  while (list != nullptr) {
+    Chunk* next = list->next;
+    ::operator delete(list);
+    list = next;
+  }
+}
+
+void* NodeArena::newChunk(std::size_t bytes) {
+  Chunk* chunk = bytes == ChunkPool::kChunkBytes ? ChunkPool::instance().take() : nullptr;
+  if (chunk == nullptr) chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + bytes));
+  chunk->next = chunks_;
+  chunk->size = bytes;
+  chunks_ = chunk;
+  return chunk + 1;
+}
+
+void* NodeArena::allocateSlow(std::size_t bytes) {
+  // Small documents start with small chunks; large ones settle on the size
+  // the pool recycles.
+  if (bytes > nextChunkSize_ / 4) return newChunk(bytes);
+  char* chunk = static_cast<char*>(newChunk(nextChunkSize_));
+  cursor_ = chunk + bytes;
+  limit_ = chunk + nextChunkSize_;
+  nextChunkSize_ = std::min(nextChunkSize_ * 2, ChunkPool::kChunkBytes);
+  return chunk;
+}
+
+}  // namespace detail
+
+namespace platform {
+namespace {
+
+using detail::JsonNode;
+using detail::NodeType;
+
+constexpr std::size_t kMaxDepth = 512;
+// Below this many members an object is searched front to back; from it on it
+// gets a hash index.
+constexpr std::uint32_t kIndexedObjectMinMembers = 12;
+
+// ---------------------------------------------------------------------------
+// Character classes
+// ---------------------------------------------------------------------------
+
+struct CharTables {
+  bool whitespace[256] = {};
+  // '"', '\\', control bytes and every byte of a multi-byte character.
+  bool stringSpecial[256] = {};
+  std::int8_t hexValue[256] = {};
+
+  constexpr CharTables() {
+    whitespace[static_cast<unsigned char>(' ')] = true;
+    whitespace[static_cast<unsigned char>('\t')] = true;
+    whitespace[static_cast<unsigned char>('\n')] = true;
+    whitespace[static_cast<unsigned char>('\r')] = true;
+    for (int c = 0; c < 256; ++c) {
+      stringSpecial[c] = c < 0x20 || c >= 0x80 || c == '"' || c == '\\';
+      hexValue[c] = -1;
+    }
+    for (int c = '0'; c <= '9'; ++c) hexValue[c] = static_cast<std::int8_t>(c - '0');
+    for (int c = 'a'; c <= 'f'; ++c) hexValue[c] = static_cast<std::int8_t>(c - 'a' + 10);
+    for (int c = 'A'; c <= 'F'; ++c) hexValue[c] = static_cast<std::int8_t>(c - 'A' + 10);
+  }
+};
+
+constexpr CharTables kTables;
+
+inline unsigned char byteAt(const char* p) noexcept { return static_cast<unsigned char>(*p); }
+
+inline bool isDigit(char c) noexcept { return static_cast<unsigned char>(c - '0') < 10; }
+
+inline unsigned countTrailingZeros(std::uint32_t mask) noexcept {
+#if defined(__GNUC__) || defined(__clang__)
+  return static_cast<unsigned>(__builtin_ctz(mask));
+#else
+  unsigned n = 0;
+  while ((mask & 1U) == 0) {
+    mask >>= 1;
+    ++n;
+  }
+  return n;
+#endif
+}
+
+#if !defined(TAVURO_JSON_SSE2)
+// True when any byte of the word is special inside a string. Each test is
+// exact as a whole-word answer; the byte itself is then found one by one.
+inline bool wordHasSpecial(std::uint64_t v) noexcept {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
+  const auto hasZero = [](std::uint64_t x) { return (x - kOnes) & ~x & kHigh; };
+  const std::uint64_t quote = hasZero(v ^ (kOnes * '"'));
+  const std::uint64_t backslash = hasZero(v ^ (kOnes * '\\'));
+  const std::uint64_t control = (v - kOnes * 0x20) & ~v & kHigh;
+  return ((quote | backslash | control) | (v & kHigh)) != 0;
+}
+#endif
+
+/// The first special string byte at or after `p`.
+inline char* findSpecial(char* p) noexcept {
+#if defined(TAVURO_JSON_SSE2)
+  const __m128i quote = _mm_set1_epi8('"');
+  const __m128i backslash = _mm_set1_epi8('\\');
+  const __m128i limit = _mm_set1_epi8(0x20);
+  // A signed compare with 0x20 catches control bytes and, as negative
+  // numbers, every byte from 0x80 up.
+  const auto special = [&](__m128i v) {
+    return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, quote), _mm_cmpeq_epi8(v, backslash)),
+                        _mm_cmplt_epi8(v, limit));
+  };
+  for (;;) {
+    const __m128i a = special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    const __m128i b = special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16)));
+    const auto maskA = static_cast<std::uint32_t>(_mm_movemask_epi8(a));
+    const auto maskB = static_cast<std::uint32_t>(_mm_movemask_epi8(b));
+    if ((maskA | maskB) != 0) {
+      return p + countTrailingZeros(maskA | (maskB << 16));
+    }
+    p += 32;
+  }
+#else
+  for (;;) {
+    if (wordHasSpecial(detail::load64(p))) {
+      while (!kTables.stringSpecial[byteAt(p)]) ++p;
+      return p;
+    }
+    p += 8;
+  }
+#endif
+}
+
+/// Moves plain string bytes from `src` down to `dst` until the next special
+/// byte; both advance.
+inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
+#if defined(TAVURO_JSON_SSE2)
+  const __m128i quote = _mm_set1_epi8('"');
+  const __m128i backslash = _mm_set1_epi8('\\');
+  const __m128i limit = _mm_set1_epi8(0x20);
+  for (;;) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src));
+    const __m128i special =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, quote), _mm_cmpeq_epi8(v, backslash)),
+                     _mm_cmplt_epi8(v, limit));
+    const auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(special));
+    if (mask == 0) {
+      // All 16 bytes belong to the string; dst < src, so the store only
+      // overwrites bytes already loaded.
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(dst), v);
+      src += 16;
+      dst += 16;
+      continue;
+    }
+    const unsigned n = countTrailingZeros(mask);
+    std::memmove(dst, src, n);
+    src += n;
+    dst += n;
+    return;
+  }
+#else
+  for (;;) {
+    const std::uint64_t v = detail::load64(src);
+    if (!wordHasSpecial(v)) {
+      std::memcpy(dst, &v, sizeof v);
+      src += 8;
+      dst += 8;
+      continue;
+    }
+    while (!kTables.stringSpecial[byteAt(src)]) *dst++ = *src++;
+    return;
+  }
+#endif
+}
+
+/// Length of the well-formed UTF-8 character at `s` (whose first byte is
+/// 0x80 or above), or 0. Rejects overlong forms, surrogates, code points
+/// above U+10FFFF and truncated sequences.
+inline unsigned utf8SequenceLength(const char* text) noexcept {
+  const auto* s = reinterpret_cast<const unsigned char*>(text);
+  const unsigned lead = s[0];
+  const auto isContinuation = [](unsigned c) { return (c & 0xC0U) == 0x80U; };
+  if (lead < 0xC2) return 0;
+  if (lead < 0xE0) return isContinuation(s[1]) ? 2 : 0;
+  if (lead < 0xF0) {
+    const unsigned low = lead == 0xE0 ? 0xA0 : 0x80;
+    const unsigned high = lead == 0xED ? 0x9F : 0xBF;
+    return s[1] >= low && s[1] <= high && isContinuation(s[2]) ? 3 : 0;
+  }
+  if (lead < 0xF5) {
+    const unsigned low = lead == 0xF0 ? 0x90 : 0x80;
+    const unsigned high = lead == 0xF4 ? 0x8F : 0xBF;
+    return s[1] >= low && s[1] <= high && isContinuation(s[2]) && isContinuation(s[3]) ? 4 : 0;
+  }
+  return 0;
+}
+
+inline char* encodeUtf8(std::uint32_t cp, char* out) noexcept {
+  if (cp < 0x80) {
+    *out++ = static_cast<char>(cp);
+  } else if (cp < 0x800) {
+    *out++ = static_cast<char>(0xC0 | (cp >> 6));
+    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
+  } else if (cp < 0x10000) {
+    *out++ = static_cast<char>(0xE0 | (cp >> 12));
+    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
+  } else {
+    *out++ = static_cast<char>(0xF0 | (cp >> 18));
+    *out++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
+  }
+  return out;
+}
+
+// ---------------------------------------------------------------------------
+// Numbers
+// ---------------------------------------------------------------------------
+
+// Powers of ten that doubles hold exactly.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The exact fast path needs every operation in double precision, not in a
+// wider register format.
+#if defined(FLT_EVAL_METHOD) && FLT_EVAL_METHOD == 0
+constexpr bool kExactFastPath = true;
+#else
+constexpr bool kExactFastPath = false;
+#endif
+
+/// Correctly rounded conversion of a JSON number text; false when its value
+/// overflows to infinity or underflows to zero.
+bool convertDecimal(const char* first, const char* last, double& out) {
+#if defined(__cpp_lib_to_chars) || (defined(__GLIBCXX__) && _GLIBCXX_RELEASE >= 11)
+  const std::from_chars_result r = std::from_chars(first, last, out);
+  return r.ec == std::errc() && r.ptr == last;
+#else
+  std::istringstream in(std::string(first, last));
+  in.imbue(std::locale::classic());
+  in >> out;
+  return !in.fail() && std::isfinite(out) && out != 0.0;
+#endif
+}
+
+// ---------------------------------------------------------------------------
+// The reader
+// ---------------------------------------------------------------------------
+
+struct Frame {
+  std::uint32_t pendingStart;
+  bool isObject;
+};
+
+// The values of the containers still open. A growable array that hands out
+// the slot itself, so that a node is written field by field where it lives
+// (building it elsewhere and copying it in stalls on the 16-byte reload).
+class NodeStack {
+ public:
+  NodeStack() = default;
+  NodeStack(const NodeStack&) = delete;
+  NodeStack& operator=(const NodeStack&) = delete;
+  ~NodeStack() {
+    if (data_ != inline_) ::operator delete(data_);
+  }
+
+  JsonNode* push() {
+    if (size_ == capacity_) grow();
+    return data_ + size_++;
+  }
+  JsonNode* data() noexcept { return data_; }
+  std::size_t size() const noexcept { return size_; }
+  void truncate(std::size_t size) noexcept { size_ = size; }
+
+ private:
+  void grow() {
+    const std::size_t capacity = capacity_ * 2;
+    auto* fresh = static_cast<JsonNode*>(::operator new(capacity * sizeof(JsonNode)));
+    std::memcpy(static_cast<void*>(fresh), data_, size_ * sizeof(JsonNode));
+    if (data_ != inline_) ::operator delete(data_);
+    data_ = fresh;
+    capacity_ = capacity;
+  }
+
+  static constexpr std::size_t kInlineCapacity = 128;
+  JsonNode inline_[kInlineCapacity];
+  JsonNode* data_ = inline_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = kInlineCapacity;
+};
+
+struct Children {
+  const JsonNode* first;
+  std::uint32_t size;
+  std::uint8_t indexBits;
+};
+
+class Reader {
+ public:
+  Reader(char* text, std::size_t size, detail::JsonDocument& document)
+      : p_(text), begin_(text), end_(text + size), document_(document) {}
+
+  bool parse();
+  JsonErrorKind errorKind() const noexcept { return error_; }
+  std::size_t errorOffset() const noexcept { return static_cast<std::size_t>(errorAt_ - begin_); }
+
+ private:
+  bool fail(JsonErrorKind kind, const char* at) noexcept {
+    error_ = kind;
+    errorAt_ = at;
+    return false;
+  }
+  // The character at `at` was not what the grammar allows there.
+  bool failAt(const char* at) noexcept {
+    return fail(at >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::UnexpectedCharacter,
+                at);
+  }
+
+  void skipWhitespace() noexcept {
+    if (byteAt(p_) > ' ') return;
+    while (kTables.whitespace[byteAt(p_)]) ++p_;
+  }
+
+  JsonNode* push(NodeType type, std::uint32_t size = 0) {
+    JsonNode* node = pending_.push();
+    node->type = type;
+    node->indexBits = 0;
+    node->unused = 0;
+    node->size = size;
+    return node;
+  }
+  void pushInteger(bool negative, std::uint64_t magnitude) {
+    if (negative) {
+      push(NodeType::Int64)->payload.u = std::uint64_t{0} - magnitude;  // two's complement
+    } else {
+      push(magnitude <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
+               ? NodeType::Int64
+               : NodeType::UInt64)
+          ->payload.u = magnitude;
+    }
+  }
+
+  bool open(bool isObject);
+  void close();
+  bool readLiteral(const char* word, std::size_t length, NodeType type);
+  bool readString();
+  bool readEscape(char*& src, char*& dst);
+  bool readNumber();
+  bool readUnusualNumber(const char* start, const char* end, bool negative, bool isInteger);
+  JsonNode* copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount);
+  Children finishObject(JsonNode* members, std::uint32_t count);
+  static std::uint32_t removeLaterDuplicates(JsonNode* members, std::uint32_t count);
+  bool insertKeys(const JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+                  unsigned bits) const;
+
+  char* p_;
+  char* const begin_;
+  char* const end_;
+  detail::JsonDocument& document_;
+  NodeStack pending_;
+  Frame frames_[kMaxDepth];
+  std::size_t depth_ = 0;
+  JsonErrorKind error_ = JsonErrorKind::None;
+  const char* errorAt_ = nullptr;
+};
+
+bool Reader::parse() {
+  skipWhitespace();
+  if (*p_ != '{' && *p_ != '[') {
+    return fail(p_ >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::NotAContainer, p_);
+  }
+
+value:
+  skipWhitespace();
+  switch (*p_) {
+    case '{':
+      if (!open(true)) return false;
+      skipWhitespace();
+      if (*p_ == '}') {
+        ++p_;
+        close();
+        goto after_value;
+      }
+      goto member;
+    case '[':
+      if (!open(false)) return false;
+      skipWhitespace();
+      if (*p_ == ']') {
+        ++p_;
+        close();
+        goto after_value;
+      }
+      goto value;
+    case '"':
+      ++p_;
+      if (!readString()) return false;
+      goto after_value;
+    case 't':
+      if (!readLiteral("true", 4, NodeType::True)) return false;
+      goto after_value;
+    case 'f':
+      if (!readLiteral("false", 5, NodeType::False)) return false;
+      goto after_value;
+    case 'n':
+      if (!readLiteral("null", 4, NodeType::Null)) return false;
+      goto after_value;
+    case '-':
+    case '0':
+    case '1':
+    case '2':
+    case '3':
+    case '4':
+    case '5':
+    case '6':
+    case '7':
+    case '8':
+    case '9':
+      if (!readNumber()) return false;
+      goto after_value;
+    default: return failAt(p_);
+  }
+
+member:
+  if (*p_ != '"') return failAt(p_);
+  ++p_;
+  if (!readString()) return false;
+  skipWhitespace();
+  if (*p_ != ':') return failAt(p_);
+  ++p_;
+  goto value;
+
+after_value:
+  if (depth_ == 0) {
+    skipWhitespace();
+    return p_ == end_ || fail(JsonErrorKind::TrailingCharacter, p_);
+  }
+  skipWhitespace();
+  if (*p_ == ',') {
+    ++p_;
+    if (frames_[depth_ - 1].isObject) {
+      skipWhitespace();
+      goto member;
+    }
+    goto value;
+  }
+  if (*p_ == (frames_[depth_ - 1].isObject ? '}' : ']')) {
+    ++p_;
+    close();
+    goto after_value;
+  }
+  return failAt(p_);
+}
+
+bool Reader::open(bool isObject) {
+  if (depth_ == kMaxDepth) return fail(JsonErrorKind::TooDeep, p_);
+  frames_[depth_++] = Frame{static_cast<std::uint32_t>(pending_.size()), isObject};
+  ++p_;
+  return true;
+}
+
+void Reader::close() {
+  const Frame frame = frames_[--depth_];
+  JsonNode* const first = pending_.data() + frame.pendingStart;
+  const auto count = static_cast<std::uint32_t>(pending_.size() - frame.pendingStart);
+  const Children children = frame.isObject ? finishObject(first, count / 2)
+                                           : Children{copyToArena(first, count, 0), count, 0};
+  pending_.truncate(frame.pendingStart);
+  JsonNode* node = depth_ == 0 ? &document_.root : pending_.push();
+  node->type = frame.isObject ? NodeType::Object : NodeType::Array;
+  node->indexBits = children.indexBits;
+  node->unused = 0;
+  node->size = children.size;
+  node->payload.children = children.first;
+}
+
+JsonNode* Reader::copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount) {
+  const std::size_t bytes = count * sizeof(JsonNode) + slotCount * sizeof(detail::KeySlot);
+  if (bytes == 0) return nullptr;
+  auto* block = static_cast<JsonNode*>(document_.arena.allocate(bytes));
+  if (count <= 8) {
+    // Most containers are small; a call to memcpy would cost more.
+    for (std::size_t i = 0; i < count; ++i) block[i] = nodes[i];
+  } else {
+    std::memcpy(static_cast<void*>(block), nodes, count * sizeof(JsonNode));
+  }
+  return block;
+}
+
+bool Reader::readLiteral(const char* word, std::size_t length, NodeType type) {
+  // The padding makes reading `length` bytes safe even at the very end.
+  if (std::memcmp(p_, word, length) != 0) {
+    std::size_t same = 0;
+    while (p_[same] == word[same]) ++same;
+    return failAt(p_ + same);
+  }
+  p_ += length;
+  push(type);
+  return true;
+}
+
+bool Reader::readString() {
+  char* const start = p_;
+  char* src = findSpecial(p_);
+  char* dst = src;
+  for (;;) {
+    const unsigned char c = byteAt(src);
+    if (c == '"') break;
+    if (c == '\\') {
+      if (!readEscape(src, dst)) return false;
+    } else if (c >= 0x80) {
+      const unsigned length = utf8SequenceLength(src);
+      if (length == 0) return fail(JsonErrorKind::InvalidUtf8, src);
+      if (dst != src) std::memmove(dst, src, length);
+      src += length;
+      dst += length;
+    } else if (src >= end_) {
+      return fail(JsonErrorKind::UnexpectedEnd, end_);
+    } else {
+      return fail(JsonErrorKind::ControlCharacter, src);
+    }
+    if (dst == src) {
+      src = findSpecial(src);
+      dst = src;
+    } else {
+      moveUntilSpecial(src, dst);
+    }
+  }
+  p_ = src + 1;
+  push(NodeType::String, static_cast<std::uint32_t>(dst - start))->payload.chars = start;
+  return true;
+}
+
+bool Reader::readEscape(char*& src, char*& dst) {
+  const auto hex4 = [](const char* s) -> std::int32_t {
+    std::int32_t value = 0;
+    for (int i = 0; i < 4; ++i) {
+      const std::int8_t digit = kTables.hexValue[byteAt(s + i)];
+      if (digit < 0) return -1;
+      value = (value << 4) | digit;
+    }
+    return value;
+  };
+  char decoded;
+  switch (src[1]) {
+    case '"': decoded = '"'; break;
+    case '\\': decoded = '\\'; break;
+    case '/': decoded = '/'; break;
+    case 'b': decoded = '\b'; break;
+    case 'f': decoded = '\f'; break;
+    case 'n': decoded = '\n'; break;
+    case 'r': decoded = '\r'; break;
+    case 't': decoded = '\t'; break;
+    case 'u': {
+      std::int32_t cp = hex4(src + 2);
+      if (cp < 0) {
+        const char* bad = src + 2;
+        while (kTables.hexValue[byteAt(bad)] >= 0) ++bad;
+        if (bad >= end_) return fail(JsonErrorKind::UnexpectedEnd, end_);
+        return fail(JsonErrorKind::InvalidUnicodeEscape, src);
+      }
+      std::size_t consumed = 6;
+      if (cp >= 0xD800 && cp <= 0xDBFF) {
+        const std::int32_t low = src[6] == '\\' && src[7] == 'u' ? hex4(src + 8) : -1;
+        if (low < 0xDC00 || low > 0xDFFF) return fail(JsonErrorKind::UnpairedSurrogate, src);
+        cp = 0x10000 + ((cp - 0xD800) << 10) + (low - 0xDC00);
+        consumed = 12;
+      } else if (cp >= 0xDC00 && cp <= 0xDFFF) {
+        return fail(JsonErrorKind::UnpairedSurrogate, src);
+      }
+      // The decoded form is never longer than the escape, so writing may
+      // start before the escape has been passed.
+      dst = encodeUtf8(static_cast<std::uint32_t>(cp), dst);
+      src += consumed;
+      return true;
+    }
+    default:
+      if (src + 1 >= end_) return fail(JsonErrorKind::UnexpectedEnd, end_);
+      return fail(JsonErrorKind::InvalidEscape, src);
+  }
+  *dst++ = decoded;
+  src += 2;
+  return true;
+}
+
+bool Reader::readNumber() {
+  const char* const start = p_;
+  const char* s = p_;
+  const bool negative = *s == '-';
+  if (negative) ++s;
+
+  // Integer part. Up to 19 digits always fit; more go the slow way.
+  std::uint64_t mantissa = 0;
+  const char* const digitsStart = s;
+  if (*s == '0') {
+    ++s;
+  } else if (isDigit(*s)) {
+    while (isDigit(*s)) {
+      mantissa = mantissa * 10 + static_cast<unsigned>(*s - '0');
+      ++s;
+    }
+  } else {
+    return fail(JsonErrorKind::InvalidNumber, start);
+  }
+  std::size_t digitCount = static_cast<std::size_t>(s - digitsStart);
+
+  if (*s != '.' && *s != 'e' && *s != 'E') {
+    if (isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);  // leading zero
+    p_ = const_cast<char*>(s);
+    if (digitCount > 19) return readUnusualNumber(start, s, negative, true);
+    if (negative && mantissa > (std::uint64_t{1} << 63)) {
+      return readUnusualNumber(start, s, negative, true);
+    }
+    pushInteger(negative, mantissa);
+    return true;
+  }
+
+  // Fraction and exponent.
+  std::int64_t exponent = 0;
+  if (*s == '.') {
+    ++s;
+    if (!isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);
+    const char* const fractionStart = s;
+    while (isDigit(*s)) {
+      mantissa = mantissa * 10 + static_cast<unsigned>(*s - '0');
+      ++s;
+    }
+    exponent = -static_cast<std::int64_t>(s - fractionStart);
+    digitCount += static_cast<std::size_t>(s - fractionStart);
+  }
+  if (*s == 'e' || *s == 'E') {
+    ++s;
+    const bool negativeExponent = *s == '-';
+    if (*s == '-' || *s == '+') ++s;
+    if (!isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);
+    std::int64_t written = 0;
+    while (isDigit(*s)) {
+      // Saturate; such exponents are left to the exact converter anyway.
+      if (written < 100000) written = written * 10 + (*s - '0');
+      ++s;
+    }
+    exponent += negativeExponent ? -written : written;
+  }
+  p_ = const_cast<char*>(s);
+
+  // Leading zeros of "0.000123" count as digits above but add nothing, so
+  // the digit count is only an upper bound on the significant digits.
+  if (kExactFastPath && digitCount <= 19 && mantissa <= (std::uint64_t{1} << 53) &&
+      exponent >= -22 && exponent <= 22) {
+    double value = static_cast<double>(mantissa);
+    value = exponent < 0 ? value / kExactPowersOfTen[-exponent] : value * kExactPowersOfTen[exponent];
+    push(NodeType::Double)->payload.d = negative ? -value : value;
+    return true;
+  }
+  return readUnusualNumber(start, s, negative, false);
+}
+
+// Integers of 20 or more digits, and every number the exact fast path
+// cannot take.
+bool Reader::readUnusualNumber(const char* start, const char* end, bool negative, bool isInteger) {
+  if (isInteger) {
+    std::uint64_t magnitude = 0;
+    bool fits = true;
+    for (const char* d = start + (negative ? 1 : 0); d != end && fits; ++d) {
+      const auto digit = static_cast<unsigned>(*d - '0');
+      fits = magnitude <= (std::numeric_limits<std::uint64_t>::max() - digit) / 10;
+      magnitude = magnitude * 10 + digit;
+    }
+    if (fits && (!negative || magnitude <= (std::uint64_t{1} << 63))) {
+      pushInteger(negative, magnitude);
+      return true;
+    }
+  }
+  double value = 0.0;
+  if (!convertDecimal(start, end, value)) {
+    // Only a mantissa with a non-zero digit can overflow or underflow; zeros
+    // stay zero whatever the exponent.
+    const char* const mantissaEnd = std::find_if(start, end, [](char c) { return c == 'e' || c == 'E'; });
+    const bool zero =
+        std::none_of(start, mantissaEnd, [](char c) { return c >= '1' && c <= '9'; });
+    if (!zero) return fail(JsonErrorKind::NumberOutOfRange, start);
+    value = negative ? -0.0 : 0.0;
+  }
+  push(NodeType::Double)->payload.d = value;
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Objects: first duplicate wins, larger ones get a hash index
+// ---------------------------------------------------------------------------
+
+inline bool sameKey(const JsonNode& a, const JsonNode& b) noexcept {
+  if (a.size != b.size) return false;
+  if (a.size == 0) return true;
+  return a.payload.chars[0] == b.payload.chars[0] &&
+         a.payload.chars[a.size - 1] == b.payload.chars[a.size - 1] &&
+         std::memcmp(a.payload.chars, b.payload.chars, a.size) == 0;
+}
+
+Children Reader::finishObject(JsonNode* members, std::uint32_t count) {
+  if (count < kIndexedObjectMinMembers) {
+    count = removeLaterDuplicates(members, count);
+    return Children{copyToArena(members, 2 * std::size_t{count}, 0), count, 0};
+  }
+  unsigned bits = 1;
+  while ((std::size_t{1} << bits) < 2 * static_cast<std::size_t>(count)) ++bits;
+  const std::size_t slotCount = std::size_t{1} << bits;
+  JsonNode* const block = copyToArena(members, 2 * std::size_t{count}, slotCount);
+  const auto slotsAfter = [block](std::uint32_t memberCount) {
+    return reinterpret_cast<detail::KeySlot*>(block + 2 * std::size_t{memberCount});
+  };
+  std::fill(slotsAfter(count), slotsAfter(count) + slotCount, detail::KeySlot{});
+  if (!insertKeys(block, count, slotsAfter(count), bits)) {
+    // Rare: repeated keys. Drop the later ones and index again; the slots
+    // move up behind the shorter member list.
+    count = removeLaterDuplicates(block, count);
+    std::fill(slotsAfter(count), slotsAfter(count) + slotCount, detail::KeySlot{});
+    insertKeys(block, count, slotsAfter(count), bits);
+  }
+  return Children{block, count, static_cast<std::uint8_t>(bits)};
+}
+
+bool Reader::insertKeys(const JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+                        unsigned bits) const {
+  const std::size_t mask = (std::size_t{1} << bits) - 1;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const JsonNode& key = members[2 * i];
+    const std::uint64_t hash = detail::hashKey(key.payload.chars, key.size, document_.hashSeed);
+    const auto tag = static_cast<std::uint32_t>(hash >> 32);
+    std::size_t slot = hash & mask;
+    while (slots[slot].member != 0) {
+      if (slots[slot].tag == tag && sameKey(members[2 * (slots[slot].member - 1)], key)) {
+        return false;
+      }
+      slot = (slot + 1) & mask;
+    }
+    slots[slot] = detail::KeySlot{tag, i + 1};
+  }
+  return true;
+}
+
+// Compacts the member list so that only the first of equal keys remains;
+// returns the number kept.
+std::uint32_t Reader::removeLaterDuplicates(JsonNode* members, std::uint32_t count) {
+  // Equal keys share length, first and last byte. One bit per such feature
+  // set tells, for most keys, that nothing before can be equal, without
+  // comparing against every earlier key.
+  const auto featureBit = [](const JsonNode& key) {
+    if (key.size == 0) return std::uint64_t{1};
+    const unsigned mix = key.size * 7U + byteAt(key.payload.chars) * 3U +
+                         byteAt(key.payload.chars + key.size - 1);
+    return std::uint64_t{1} << (mix & 63U);
+  };
+  std::uint64_t seen = 0;
+  std::uint32_t kept = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint64_t bit = featureBit(members[2 * i]);
+    bool duplicate = false;
+    if ((seen & bit) != 0) {
+      for (std::uint32_t j = 0; j < kept && !duplicate; ++j) {
+        duplicate = sameKey(members[2 * j], members[2 * i]);
+      }
+      if (duplicate) continue;
+    }
+    seen |= bit;
+    if (kept != i) {
+      members[2 * kept] = members[2 * i];
+      members[2 * kept + 1] = members[2 * i + 1];
+    }
+    ++kept;
+  }
+  return kept;
+}
+
+}  // namespace
+
+void releaseJsonMemory() noexcept {
+  detail::NodeArena::freeChunks(detail::ChunkPool::instance().takeAll());
+}
+
+JsonParseResult parseJson(std::string_view bytes) {
+  JsonParseResult result;
+  try {
+    JsonInput input = decodeJsonInput(bytes);
+    if (input.error != JsonErrorKind::None) {
+      result.errorDescription = describeJsonError(bytes, input.error, input.errorOffset);
+      return result;
+    }
+    auto document = std::make_shared<detail::JsonDocument>();
+    document->hashSeed = detail::processHashSeed();
+    char* const text = input.text.get();
+    document->text = std::move(input.text);
+    Reader reader(text, input.size, *document);
+    if (!reader.parse()) {
+      result.errorDescription = describeJsonError(bytes, reader.errorKind(), reader.errorOffset());
+      return result;
+    }
+    const detail::JsonNode* root = &document->root;
+    result.value = detail::JsonAccess::value(std::move(document), root);
+  } catch (const std::bad_alloc&) {
+    result.value.reset();
+    result.errorDescription = "Not enough memory to read the JSON text.";
+  }
+  return result;
+}
+
+}  // namespace platform
+}  // namespace tavuro

@@ -1,0 +1,102 @@
+#include "platform/Resources.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <system_error>
+#include <vector>
+
+#if defined(__APPLE__)
+#include <mach-o/dyld.h>
+#include <cstdint>
+#elif defined(__linux__)
+#include <unistd.h>
+#endif
+
+#include "TavuroCommon/TavuroCommon.h"
+#include "platform/NoDestructor.h"
+
+namespace tavuro {
+namespace {
+
+struct ResourceOverride {
+  std::mutex mutex;
+  std::string directory;
+};
+
+ResourceOverride& resourceOverride() {
+  static platform::NoDestructor<ResourceOverride> instance;
+  return *instance;
+}
+
+std::string directoryOf(const std::string& path) {
+  const auto slash = path.find_last_of('/');
+  if (slash == std::string::npos) return {};
+  return slash == 0 ? std::string("/") : path.substr(0, slash);
+}
+
+#if defined(__linux__)
+std::string executablePath() {
+  // The link's target length is unknown in advance; grow the buffer until
+  // it fits, within a bound no real path reaches.
+  for (std::size_t size = 256; size <= (1u << 16); size *= 2) {
+    std::vector<char> buffer(size);
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length < 0) return {};
+    if (static_cast<std::size_t>(length) < buffer.size()) {
+      return std::string(buffer.data(), static_cast<std::size_t>(length));
+    }
+  }
+  return {};
+}
+#elif defined(__APPLE__)
+std::string executablePath() {
+  std::uint32_t size = 0;
+  _NSGetExecutablePath(nullptr, &size);
+  std::vector<char> buffer(size + 1, '\0');
+  if (_NSGetExecutablePath(buffer.data(), &size) != 0) return {};
+  return std::string(buffer.data());
+}
+#else
+std::string executablePath() { return {}; }
+#endif
+
+bool isRegularFile(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(path, ignored);
+}
+
+}  // namespace
+
+void setResourceDirectory(const std::string& directory) {
+  ResourceOverride& state = resourceOverride();
+  std::lock_guard<std::mutex> lock(state.mutex);
+  state.directory = directory;
+}
+
+std::string resourceDirectory() {
+  {
+    ResourceOverride& state = resourceOverride();
+    std::lock_guard<std::mutex> lock(state.mutex);
+    if (!state.directory.empty()) return state.directory;
+  }
+  const char* fromEnvironment = std::getenv("TAVURO_RESOURCE_PATH");
+  if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
+  return platform::executableDirectory();
+}
+
+namespace platform {
+
+std::string executableDirectory() { return directoryOf(executablePath()); }
+
+std::optional<std::string> pathForResource(std::string_view name, std::string_view type) {
+  std::string path = resourceDirectory();
+  if (path.empty()) return std::nullopt;
+  if (path.back() != '/') path += '/';
+  path.append(name).append(".").append(type);
+  if (!isRegularFile(path)) return std::nullopt;
+  return path;
+}
+
+}  // namespace platform
+}  // namespace tavuro

@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Checks of the shared library's interface against its documents.
+
+  check_c_interface.py names DOC C_HEADER LIBRARY NM
+      Every C function of DOC's tables of object-interface names follows the
+      naming rule (tavuro_ + class + _ + the name with ":" as "_", no final
+      "_"), is declared in C_HEADER and is exported by LIBRARY.
+
+  check_c_interface.py exports CXX_HEADER C_HEADER LIBRARY NM
+      LIBRARY exports nothing but the public interface: C functions declared
+      in C_HEADER and C++ symbols of namespace tavuro whose first name after
+      "tavuro::" is declared public in CXX_HEADER (no platform:: or detail::
+      internals, no standard-library instantiations).
+"""
+import re
+import subprocess
+import sys
+
+TABLE_ROW = re.compile(r"^\|\s*`([^`]+)`\s*\|\s*`(tavuro_\w+)`\s*\|")
+HEADING = re.compile(r"^###\s+(\w+)\s*$")
+C_DECLARATION = re.compile(r"TAVURO_EXPORT[^;{]*?\b(tavuro_\w+)\s*\(")
+# Linker-made markers that every shared library defines.
+LINKER_SYMBOLS = {"_init", "_fini", "__bss_start", "_edata", "_end"}
+
+
+def read(path):
+    with open(path, encoding="utf-8") as f:
+        return f.read()
+
+
+def exported_symbols(library, nm, demangle):
+    args = [nm, "-D", "--defined-only"] + (["--demangle"] if demangle else []) + [library]
+    out = subprocess.run(args, check=True, capture_output=True, text=True).stdout
+    symbols = []
+    for line in out.splitlines():
+        parts = line.split(None, 2)
+        if len(parts) == 3:
+            symbols.append(parts[2])
+    return symbols
+
+
+def documented_functions(doc):
+    """(class, object-interface name, C function) for every table row."""
+    rows, current_class = [], None
+    for line in doc.splitlines():
+        heading = HEADING.match(line)
+        if heading:
+            current_class = heading.group(1)
+        row = TABLE_ROW.match(line)
+        if row and current_class:
+            rows.append((current_class, row.group(1), row.group(2)))
+    return rows
+
+
+def check_names(doc_path, c_header_path, library, nm):
+    rows = documented_functions(read(doc_path))
+    declared = set(C_DECLARATION.findall(read(c_header_path)))
+    exported = set(exported_symbols(library, nm, demangle=False))
+    problems = []
+    for cls, name, function in rows:
+        expected = "tavuro_%s_%s" % (cls, name.replace(":", "_").rstrip("_"))
+        if function != expected:
+            problems.append("%s %s: table says %s, the rule gives %s" % (cls, name, function, expected))
+        if function not in declared:
+            problems.append("%s is not declared in %s" % (function, c_header_path))
+        if function not in exported:
+            problems.append("%s is not exported by %s" % (function, library))
+    if len(rows) < 100:
+        problems.append("only %d rows read from %s: is the table format broken?" % (len(rows), doc_path))
+    return problems
+
+
+def public_cxx_names(cxx_header):
+    """Names declared at namespace level in the public header."""
+    text = re.sub(r"//[^\n]*", "", cxx_header)
+    names = set(re.findall(r"\b(?:class|struct|enum class)\s+(?:TAVURO_EXPORT\s+)?(\w+)\s*[:{]", text))
+    names |= set(re.findall(r"TAVURO_EXPORT\s+[\w:<>,\s&*]+?\b(\w+)\s*\(", text))
+    names |= set(re.findall(r"\bconstexpr\s+[\w:]+\s+(\w+)\s*\(", text))
+    names |= set(re.findall(r"inline\s+constexpr\s+[\w\s]+?\b(\w+)\s*\[", text))
+    return names - {"detail", "platform"}
+
+
+def check_exports(cxx_header_path, c_header_path, library, nm):
+    public = public_cxx_names(read(cxx_header_path))
+    declared_c = set(C_DECLARATION.findall(read(c_header_path)))
+    raw = exported_symbols(library, nm, demangle=False)
+    demangled = exported_symbols(library, nm, demangle=True)
+    problems = []
+    for mangled, name in zip(raw, demangled):
+        if mangled in LINKER_SYMBOLS:
+            continue
+        if not mangled.startswith("_Z"):
+            if mangled not in declared_c:
+                problems.append("C symbol %s is not declared in %s" % (mangled, c_header_path))
+            continue
+        # "typeinfo for tavuro::X", "vtable for tavuro::X" and plain members.
+        subject = re.sub(r"^(?:typeinfo name|typeinfo|vtable|VTT|construction vtable) for ", "", name)
+        match = re.match(r"tavuro::(\w+)", subject)
+        if not match or match.group(1) not in public:
+            problems.append("exports a non-public symbol: %s" % name)
+    if not any(s.startswith("tavuro_") for s in raw):
+        problems.append("no C function exported at all: wrong library?")
+    return problems
+
+
+def main(argv):
+    if len(argv) != 6 or argv[1] not in ("names", "exports"):
+        sys.stderr.write(__doc__)
+        return 2
+    check = check_names if argv[1] == "names" else check_exports
+    problems = check(*argv[2:])
+    for problem in problems:
+        print(problem)
+    print("%s check: %d problem(s)" % (argv[1], len(problems)))
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv))

@@ -1,0 +1,198 @@
+// `tavuro jwt`, `header`, `date` and `json`: what the library makes of one
+// token, the current credentials, one date field or one JSON answer.
+#include <chrono>
+#include <cstdio>
+#include <string>
+
+#include "cli.h"
+
+namespace tavuro::tool {
+namespace {
+
+std::int64_t nowSeconds() {
+  return std::chrono::duration_cast<std::chrono::seconds>(
+             std::chrono::system_clock::now().time_since_epoch())
+      .count();
+}
+
+const char kJwtHelp[] =
+    "usage: tavuro jwt TOKEN [--json]\n\n"
+    "Decodes the payload of a JSON Web Token as the library does (the signature\n"
+    "is not checked) and shows its claims, the expiry from \"exp\" in UTC and\n"
+    "local time, and whether the token is valid now. Exit status 1 when the text\n"
+    "is not a token or has no usable \"exp\" (the store would refuse it).\n";
+
+struct TokenReport {
+  JsonDictionary claims;
+  std::shared_ptr<TavuroJwtToken> token;  // null without a usable "exp"
+};
+
+// The library stops the process on a text without "."; check first.
+TokenReport decodeToken(const std::string& text) {
+  if (text.find('.') == std::string::npos) {
+    throw std::runtime_error("not a JSON Web Token: the text has no \".\"");
+  }
+  const TavuroJwtParser parser;
+  return {parser.decode(text), parser.parseToken(text)};
+}
+
+void printTokenText(const TokenReport& report) {
+  std::printf("claims:\n");
+  for (std::size_t i = 0; i < report.claims.size(); ++i) {
+    std::printf("  %.*s: %s\n", static_cast<int>(report.claims.keyAt(i).size()),
+                report.claims.keyAt(i).data(), toJsonText(report.claims.valueAt(i)).c_str());
+  }
+  if (report.claims.empty()) std::printf("  (none: the payload is not a JSON object)\n");
+  if (!report.token) {
+    std::printf("expires: no usable \"exp\" claim; the credential store refuses this token\n");
+    return;
+  }
+  const auto expiry =
+      static_cast<std::int64_t>(report.token->expiration().time_since_epoch().count());
+  const std::int64_t left = expiry - nowSeconds();
+  std::printf("expires: %s (UTC), %s (local)\n", formatUtc(expiry).c_str(),
+              formatLocal(expiry).c_str());
+  if (report.token->isValid()) {
+    std::printf("valid now: yes, for %s\n", formatDuration(left).c_str());
+  } else {
+    std::printf("valid now: no, expired %s ago\n", formatDuration(left).c_str());
+  }
+}
+
+void printTokenJson(const TokenReport& report) {
+  std::string out = "{\"claims\":" + toJsonText(report.claims);
+  if (report.token) {
+    const auto expiry =
+        static_cast<std::int64_t>(report.token->expiration().time_since_epoch().count());
+    out += ",\"exp\":" + std::to_string(expiry) +
+           ",\"expiresUtc\":" + jsonQuote(formatUtc(expiry)) +
+           ",\"expiresLocal\":" + jsonQuote(formatLocal(expiry)) +
+           ",\"valid\":" + (report.token->isValid() ? "true" : "false") +
+           ",\"secondsLeft\":" + std::to_string(expiry - nowSeconds());
+  } else {
+    out += ",\"exp\":null,\"valid\":false";
+  }
+  std::printf("%s}\n", out.c_str());
+}
+
+const char kHeaderHelp[] =
+    "usage: tavuro header [--resources DIR] [--token TOKEN]\n\n"
+    "Prints the Authorization value that a request would carry now: Bearer while\n"
+    "a token is stored (--token stores one first, as setToken does), else Basic\n"
+    "from the configuration's user name and password. Exit status 1 when there\n"
+    "is none (no token, and user name or password absent).\n";
+
+const char kDateHelp[] =
+    "usage: tavuro date FIELD\n\n"
+    "Converts a date field such as /Date(1234567890000)/ to MM-dd-yyyy in GMT.\n"
+    "A field that is not a plain millisecond count comes back unchanged.\n";
+
+const char kJsonHelp[] =
+    "usage: tavuro json FILE KEY [--as int|double|string|bool|object|array]\n\n"
+    "Reads FILE as a JSON object and prints the value under KEY. With --as the\n"
+    "value goes through the library's typed getter of that kind, which gives\n"
+    "its default (0, 0, empty, false, nothing) for a missing key, a null or a\n"
+    "value of another kind. Exit status 1 when FILE is not a JSON object or\n"
+    "there is no value to print.\n";
+
+const char* const kKinds[] = {"int", "double", "string", "bool", "object", "array"};
+
+bool isKind(const std::string& kind) {
+  for (const char* known : kKinds) {
+    if (kind == known) return true;
+  }
+  return false;
+}
+
+// The value under `key` through the typed getter of `kind`, as text; nothing
+// when an object or array getter finds none.
+std::optional<std::string> readTyped(const std::optional<JsonDictionary>& dictionary,
+                                     const std::string& key, const std::string& kind) {
+  if (kind == "int") return std::to_string(Utils::getIntValue(dictionary, key));
+  if (kind == "double") return formatDouble(Utils::getDoubleValue(dictionary, key));
+  if (kind == "string") return Utils::getStringValue(dictionary, key);
+  if (kind == "bool") return Utils::getBooleanValue(dictionary, key) ? "true" : "false";
+  if (kind == "object") {
+    const auto object = Utils::getObjectValue(dictionary, key);
+    return object ? std::optional<std::string>(toJsonText(*object)) : std::nullopt;
+  }
+  const auto array = Utils::getArrayValue(dictionary, key);
+  return array ? std::optional<std::string>(toJsonText(*array)) : std::nullopt;
+}
+
+}  // namespace
+
+int runJwt(const std::vector<std::string>& words) {
+  const Arguments arguments = parseArguments(words, {{"--json"}, {}, 1, 1});
+  if (arguments.has("--help")) return showHelp(kJwtHelp);
+  const TokenReport report = decodeToken(arguments.positional[0]);
+  if (arguments.has("--json")) {
+    printTokenJson(report);
+  } else {
+    printTokenText(report);
+  }
+  return report.token ? kOk : kFailed;
+}
+
+int runHeader(const std::vector<std::string>& words) {
+  const Arguments arguments = parseArguments(words, {{}, {"--resources", "--token"}, 0, 0});
+  if (arguments.has("--help")) return showHelp(kHeaderHelp);
+  applyResourceOption(arguments);
+  if (const auto token = arguments.option("--token")) {
+    decodeToken(*token);  // refuses a text without "." before the store sees it
+    if (!Credential::setToken(*token)) {
+      std::fprintf(stderr,
+                   "tavuro header: the store refused the token (expired or no usable "
+                   "\"exp\"); it is not used\n");
+    }
+  }
+  const std::optional<std::string> header = Credential::getTavuroAuthHeader();
+  if (!header) {
+    std::fprintf(stderr,
+                 "tavuro header: no Authorization value: no token is stored and the "
+                 "user name or password is absent\n");
+    return kFailed;
+  }
+  std::printf("%s\n", header->c_str());
+  return kOk;
+}
+
+int runDate(const std::vector<std::string>& words) {
+  const Arguments arguments = parseArguments(words, {{}, {}, 1, 1});
+  if (arguments.has("--help")) return showHelp(kDateHelp);
+  std::printf("%s\n", Utils::dateFieldToDateString(arguments.positional[0])->c_str());
+  return kOk;
+}
+
+int runJson(const std::vector<std::string>& words) {
+  const Arguments arguments = parseArguments(words, {{}, {"--as"}, 2, 2});
+  if (arguments.has("--help")) return showHelp(kJsonHelp);
+  const std::string& path = arguments.positional[0];
+  const std::string& key = arguments.positional[1];
+  const std::optional<std::string> kind = arguments.option("--as");
+  if (kind && !isKind(*kind))
+    throw UsageError("--as takes int, double, string, bool, object or array");
+  const std::optional<std::string> text = readFile(path);
+  if (!text) throw std::runtime_error("cannot read " + path);
+  // On a parse error the library itself prints the reader's message.
+  const std::optional<JsonDictionary> answer = Utils::convertToDictionary(text);
+  if (!answer) throw std::runtime_error(path + " does not hold a JSON object");
+  if (kind) {
+    const std::optional<std::string> typed = readTyped(answer, key, *kind);
+    if (!typed) {
+      std::fprintf(stderr, "tavuro json: no %s under \"%s\"\n", kind->c_str(), key.c_str());
+      return kFailed;
+    }
+    std::printf("%s\n", typed->c_str());
+    return kOk;
+  }
+  const std::optional<JsonValue> value = answer->find(key);
+  if (!value) {
+    std::fprintf(stderr, "tavuro json: no key \"%s\" in %s\n", key.c_str(), path.c_str());
+    return kFailed;
+  }
+  std::printf("%s\n", toJsonText(*value).c_str());
+  return kOk;
+}
+
+}  // namespace tavuro::tool
