@@ -1,12 +1,47 @@
-// Utils::dateFieldToDateString on arbitrary text: the argument comes back
-// unchanged or a date of the shape MM-dd-yyyy does.
+// Utils::dateFieldToDateString on arbitrary text, against a slow model that
+// does literally what the conversion is defined as: four replace-all passes
+// ("Date", "/", "(", ")"), a strict signed 64-bit parse, the argument back
+// on failure. The result must also have the shape MM-dd-yyyy.
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "TavuroCommon/TavuroCommon.h"
+#include "platform/DateFormat.h"
 
 namespace {
+
+std::string removeAll(const std::string& text, std::string_view word) {
+  std::string out;
+  std::size_t from = 0;
+  for (std::size_t at; (at = text.find(word, from)) != std::string::npos; from = at + word.size()) {
+    out.append(text, from, at - from);
+  }
+  return out.append(text, from, std::string::npos);
+}
+
+// An optional "+" or "-", then one or more digits, within the int64 range.
+std::optional<std::int64_t> parseStrictInt64(std::string_view text) {
+  if (!text.empty() && text.front() == '+') {
+    text.remove_prefix(1);
+    if (!text.empty() && text.front() == '-') return std::nullopt;
+  }
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::string modelResult(const std::string& field) {
+  std::string text = field;
+  for (std::string_view word : {"Date", "/", "(", ")"}) text = removeAll(text, word);
+  const std::optional<std::int64_t> milliseconds = parseStrictInt64(text);
+  if (!milliseconds) return field;
+  return tavuro::platform::formatDateMMddyyyyGMT(*milliseconds / 1000);
+}
 
 int twoDigits(const std::string& text, std::size_t at) {
   const char high = text[at];
@@ -33,5 +68,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string input(reinterpret_cast<const char*>(data), size);
   const auto result = tavuro::Utils::dateFieldToDateString(input);
   if (!result || (*result != input && !isDate(*result))) __builtin_trap();
+  if (*result != modelResult(input)) __builtin_trap();
   return 0;
 }

@@ -63,6 +63,7 @@ class BinaryPlistReader {
     if (!root || root->type != kDict) return std::nullopt;
     heights_.assign(objectCount_, kUnchecked);
     onPath_.assign(objectCount_, false);
+    checkBudget_ = objectsEnd_;
     if (!checkObject(topObject_, 1)) return std::nullopt;
     return collectStrings(*root);
   }
@@ -153,7 +154,7 @@ class BinaryPlistReader {
     if (onPath_[index]) return false;
     if (heights_[index] != kUnchecked) return depth - 1 + heights_[index] <= kPlistMaxDepth;
     std::optional<ObjectHeader> header = readHeader(index);
-    if (!header) return false;
+    if (!header || !charge(*header)) return false;
     int height = 0;
     if (isContainerType(header->type)) {
       if (depth > kPlistMaxDepth) return false;
@@ -166,6 +167,24 @@ class BinaryPlistReader {
       return false;
     }
     heights_[index] = height;
+    return true;
+  }
+
+  /// Takes what checking an object costs (its marker, and its references or
+  /// string units) from the budget. The objects of a well-formed file never
+  /// share bytes, so the total stays within the object area; offsets that
+  /// name one long array or string many times over, or containers whose
+  /// reference lists overlap, would otherwise make the work grow with the
+  /// square of the file's size.
+  bool charge(const ObjectHeader& header) {
+    std::uint64_t units = 0;
+    if (isContainerType(header.type)) {
+      units = header.type == kDict ? header.count * 2 : header.count;  // count < 2^63
+    } else if (isStringType(header.type)) {
+      units = header.count;
+    }
+    if (units >= checkBudget_) return false;
+    checkBudget_ -= units + 1;
     return true;
   }
 
@@ -269,6 +288,7 @@ class BinaryPlistReader {
   std::uint64_t objectsEnd_ = 0;  // where the offset table starts
   std::vector<int> heights_;      // subtree height of each checked object
   std::vector<bool> onPath_;
+  std::uint64_t checkBudget_ = 0;  // object-area bytes not yet charged
 };
 
 }  // namespace

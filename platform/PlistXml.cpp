@@ -292,7 +292,8 @@ class XmlPlistReader {
       } else if (c == '"' || c == '\'') {
         quote = c;
       } else if (inSubset && c == '<' && startsWith("!--")) {
-        if (!skipPast("-->")) return false;
+        --pos_;
+        if (!skipComment()) return false;
       } else if (c == '[') {
         inSubset = true;
       } else if (c == ']') {
@@ -310,13 +311,20 @@ class XmlPlistReader {
     while (true) {
       skipSpace();
       if (startsWith("<!--")) {
-        if (!skipPast("-->")) return false;
+        if (!skipComment()) return false;
       } else if (startsWith("<?")) {
         if (!skipProcessingInstruction()) return false;
       } else {
         return true;
       }
     }
+  }
+
+  /// A comment, at its "<!--". The closing "-->" is looked for only after
+  /// the opening one, so "<!-->" and "<!--->" do not close themselves.
+  bool skipComment() {
+    pos_ += std::string_view("<!--").size();
+    return skipPast("-->");
   }
 
   bool skipProcessingInstruction() {
@@ -455,7 +463,7 @@ class XmlPlistReader {
         out->append(in_.substr(pos_, end - pos_));
         pos_ = end + 3;
       } else if (startsWith("<!--")) {
-        if (!skipPast("-->")) return false;
+        if (!skipComment()) return false;
       } else if (startsWith("<?")) {
         if (!skipProcessingInstruction()) return false;
       } else {

@@ -99,6 +99,8 @@ TEST(PlistXml, RejectsMalformedLists) {
       plist("<dict><key>a</key><string>\xC3</string></dict>"),
       plist("<dict><key>a</key><string>\xED\xA0\x80</string></dict>"),
       plist("<dict><!-- open </dict>"),
+      "<!--><plist><dict/></plist>",  // "<!-->" opens a comment, no more
+      plist("<dict><key>a</key><string>x<!--->y</string></dict>"),
       "\xFF\xFE<\0p\0"s,
       "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>",
       "<!DOCTYPE plist><!DOCTYPE plist><plist><dict/></plist>",
@@ -161,6 +163,7 @@ TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
 // unless widened, and a trailer whose fields the hostile cases then patch.
 struct Bplist {
   std::vector<std::string> objects;
+  std::map<std::uint64_t, std::uint64_t> aliasOf;  // objects sharing another's bytes
   int refSize = 1;
   int offsetSize = 1;
 
@@ -176,6 +179,10 @@ struct Bplist {
   std::uint64_t add(std::string encoded) {
     objects.push_back(std::move(encoded));
     return objects.size() - 1;
+  }
+  std::uint64_t alias(std::uint64_t of) {
+    aliasOf[objects.size()] = of;
+    return add("");
   }
   std::uint64_t ascii(const std::string& s) { return add(marker(5, s.size()) + s); }
   std::uint64_t utf16(const std::vector<std::uint16_t>& units) {
@@ -197,9 +204,11 @@ struct Bplist {
   std::string build(std::uint64_t top) const {
     std::string out = "bplist00";
     std::string table;
-    for (const auto& object : objects) {
-      table += bigEndian(out.size(), offsetSize);
-      out += object;
+    std::vector<std::uint64_t> offsets;
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+      offsets.push_back(aliasOf.count(i) ? offsets[aliasOf.at(i)] : out.size());
+      table += bigEndian(offsets.back(), offsetSize);
+      out += objects[i];
     }
     const std::uint64_t tableOffset = out.size();
     return out + table + std::string(6, '\0') + bigEndian(offsetSize, 1) + bigEndian(refSize, 1) +
@@ -346,6 +355,22 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
         std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
         for (int i = 0; i < 200; ++i) entries.emplace_back(c.ascii(std::to_string(i)), shared);
         return c.dict(entries);
+      }),
+      // Many offsets naming one long array or string: checking each anew
+      // would take time growing with the square of the file's size.
+      build([](Bplist& c) {
+        c.offsetSize = 2;
+        const auto shared = c.container(0xA, std::vector<std::uint64_t>(100, c.add("\x00"s)));
+        std::vector<std::uint64_t> names;
+        for (int i = 0; i < 100; ++i) names.push_back(c.alias(shared));
+        return c.dict({{c.ascii("k"), c.container(0xA, names)}});
+      }),
+      build([](Bplist& c) {
+        c.offsetSize = 2;
+        const auto shared = c.ascii(std::string(100, 'x'));
+        std::vector<std::uint64_t> names;
+        for (int i = 0; i < 100; ++i) names.push_back(c.alias(shared));
+        return c.dict({{c.ascii("k"), c.container(0xA, names)}});
       }),
       build([](Bplist& c) {
         c.offsetSize = 2;
