@@ -7,6 +7,7 @@
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "credential_test_support.h"
+#include "platform/FileSystem.h"
 
 namespace {
 
@@ -40,37 +41,29 @@ class SeamReset {
 };
 
 TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
-  const struct {
-    const char* name;
-    tavuro::platform::WriteFunction write;
-    bool targetIsDirectory;
-  } cases[] = {
-      {"fails half-way", failHalfWay, false},
-      {"makes no progress", makeNoProgress, false},
-      {"target is a directory", nullptr, true},
-  };
-  const std::string bigger(100000, 'x');
-  for (const auto& c : cases) {
+  // A null write function with a directory in the target's place makes the
+  // rename fail after everything was written.
+  const tavuro::platform::WriteFunction cases[] = {failHalfWay, makeNoProgress, nullptr};
+  for (const auto write : cases) {
     TempDir dir;
-    if (c.targetIsDirectory) {
+    if (write == nullptr) {
       std::filesystem::create_directory(dir.file("target"));
     } else {
       dir.write("target", "old content");
     }
     g_calls = 0;
-    const SeamReset seam(c.write);
-    EXPECT_FALSE(writeFileAtomically(dir.file("target"), bigger)) << c.name;
-    EXPECT_EQ(dir.entries(), std::set<std::string>{"target"}) << c.name;
-    if (!c.targetIsDirectory) {
-      EXPECT_EQ(readWholeFile(dir.file("target")), "old content");
-    }
+    const SeamReset seam(write);
+    EXPECT_FALSE(writeFileAtomically(dir.file("target"), std::string(100000, 'x')));
+    EXPECT_EQ(dir.entries(), std::set<std::string>{"target"});
+    const std::optional<std::string> old = write ? "old content" : std::optional<std::string>();
+    EXPECT_EQ(readWholeFile(dir.file("target")), old);  // a directory reads as nothing
   }
   EXPECT_FALSE(writeFileAtomically("/nonexistent-tavuro-dir/target", "x"));
 }
 
 TEST(AtomicWrite, WritesEverythingAndKeepsPermissionBits) {
   const std::string content(5000, 'y');
-  for (const mode_t mode : {0600, 0640, 0604, 0755}) {
+  for (const mode_t mode : {0640, 0664, 0755}) {  // 0600 is what a new file gets anyway
     TempDir dir;
     dir.write("target", "old");
     ::chmod(dir.file("target").c_str(), mode);

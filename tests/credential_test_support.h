@@ -11,8 +11,6 @@
 #include <string>
 
 #include "platform/Clock.h"
-#include "platform/FileSystem.h"
-#include "platform/Plist.h"
 
 namespace tavuro::test {
 
@@ -23,18 +21,13 @@ class TempDir {
     std::string pattern = (std::filesystem::temp_directory_path() / "tavuro-XXXXXX").string();
     path_ = ::mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
   }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
+  ~TempDir() { std::filesystem::remove_all(path_, ignored_); }
   const std::string& path() const { return path_; }
   std::string file(const std::string& name) const { return path_ + "/" + name; }
   std::string config() const { return file("TavuroConfig.plist"); }
-
   void write(const std::string& name, const std::string& bytes) const {
     std::ofstream(file(name), std::ios::binary) << bytes;
   }
-  /// The names of everything in the directory.
   std::set<std::string> entries() const {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
@@ -45,6 +38,7 @@ class TempDir {
 
  private:
   std::string path_;
+  std::error_code ignored_;
 };
 
 /// An XML property list whose root dict holds `entries` (key -> value element).
@@ -52,12 +46,6 @@ inline std::string plistXml(const std::map<std::string, std::string>& entries) {
   std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>";
   for (const auto& [key, element] : entries) xml += "<key>" + key + "</key>" + element;
   return xml + "</dict></plist>\n";
-}
-
-/// The text entries of the property list at `path`, as the store reads them.
-inline std::optional<std::map<std::string, std::string>> readBack(const std::string& path) {
-  const auto bytes = platform::readWholeFile(path);
-  return bytes ? platform::readPlistStringDictionary(*bytes) : std::nullopt;
 }
 
 /// A clock that stands still where the test puts it.
