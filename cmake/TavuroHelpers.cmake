@@ -48,3 +48,33 @@ function(tavuro_add_fuzzer name)
   set_property(GLOBAL APPEND PROPERTY TAVURO_FUZZERS ${name})
   set_property(GLOBAL APPEND PROPERTY TAVURO_FUZZ_CORPORA "${ARG_CORPUS}")
 endfunction()
+
+# tavuro_add_python_oracle(NAME test DRIVER source SCRIPT script [ARGS arg...])
+# A differential test against an outside oracle in Python's standard
+# library: SCRIPT gets the path of a small C++ DRIVER built from `source`,
+# then ARGS. The interpreter is named by path so that a cross build's
+# emulator is never put in front of it.
+function(tavuro_add_python_oracle)
+  cmake_parse_arguments(ARG "" "NAME;DRIVER;SCRIPT" "ARGS" ${ARGN})
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
+  get_filename_component(driver "${ARG_DRIVER}" NAME_WE)
+  add_executable(${driver} ${ARG_DRIVER})
+  target_link_libraries(${driver} PRIVATE TavuroCommon_internal)
+  target_compile_options(${driver} PRIVATE ${TAVURO_WARNINGS})
+  add_test(NAME ${ARG_NAME}
+    COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/${ARG_SCRIPT}"
+            "$<TARGET_FILE:${driver}>" ${ARG_ARGS})
+  set_tests_properties(${ARG_NAME} PROPERTIES TIMEOUT 300)
+endfunction()
+
+# tavuro_copy_resources(target files...)
+# Copies the files beside the target's executable after each build: where
+# the library looks for its resources when a host names no directory.
+function(tavuro_copy_resources target)
+  foreach(resource ${ARGN})
+    get_filename_component(resource_name "${resource}" NAME)
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different
+              "${resource}" "$<TARGET_FILE_DIR:${target}>/${resource_name}")
+  endforeach()
+endfunction()

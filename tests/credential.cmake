@@ -9,11 +9,7 @@ target_compile_definitions(tavuro_credential_test PRIVATE
   "TAVURO_KELMO_DEFAULT_ENDPOINT=\"${TAVURO_KELMO_DEFAULT_ENDPOINT}\"")
 
 if(TAVURO_BUILD_ORACLE_TESTS)
-  find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  add_executable(credential_oracle_driver credential_oracle_driver.cpp)
-  target_link_libraries(credential_oracle_driver PRIVATE TavuroCommon_internal)
-  target_compile_options(credential_oracle_driver PRIVATE ${TAVURO_WARNINGS})
-  add_test(NAME CredentialOracle.AgreesWithPythonPlistlib
-    COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/credential_oracle.py"
-            $<TARGET_FILE:credential_oracle_driver> "${TAVURO_KELMO_DEFAULT_ENDPOINT}")
+  tavuro_add_python_oracle(NAME CredentialOracle.AgreesWithPythonPlistlib
+    DRIVER credential_oracle_driver.cpp SCRIPT credential_oracle.py
+    ARGS "${TAVURO_KELMO_DEFAULT_ENDPOINT}")
 endif()

@@ -10,11 +10,6 @@ if(TAVURO_BUILD_ORACLE_TESTS)
     SOURCES dates_icu_oracle_test.cpp
     LIBRARIES ICU::i18n ICU::uc)
 
-  find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  add_executable(base64_oracle_driver base64_oracle_driver.cpp)
-  target_link_libraries(base64_oracle_driver PRIVATE TavuroCommon_internal)
-  target_compile_options(base64_oracle_driver PRIVATE ${TAVURO_WARNINGS})
-  add_test(NAME Base64Oracle.AgreesWithPythonBase64
-    COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/base64_oracle.py"
-            $<TARGET_FILE:base64_oracle_driver>)
+  tavuro_add_python_oracle(NAME Base64Oracle.AgreesWithPythonBase64
+    DRIVER base64_oracle_driver.cpp SCRIPT base64_oracle.py)
 endif()

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Differential test of the property-list reader and writer against plistlib.
 
-Usage: plist_oracle.py DRIVER   (DRIVER is tavuro_plist_oracle_driver)
+Usage: plist_oracle.py DRIVER   (DRIVER is plist_oracle_driver)
 
 1. plistlib writes dictionaries holding every kind of value, in XML and binary
    form, plus a few hand-written XML files and truncated copies; the string
