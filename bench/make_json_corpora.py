@@ -111,7 +111,6 @@ def answer(rng, field_count, image_sizes):
                     "IssuerCode": "CA",
                     "IssuerName": "California",
                     "IssueYear": "2018",
-                    "KeesingCode": None,
                     "Size": 3,
                     "SupportedImages": [{"Light": 0, "Side": 0}, {"Light": 1, "Side": 0}],
                     "GeographicRegions": ["America"],
@@ -162,7 +161,7 @@ def answer(rng, field_count, image_sizes):
                 "Light": i % 3,
                 "SharpnessMetric": rng.randint(0, 100),
                 "Side": i % 2,
-                "Uri": "https://services.example.com/AssureIDService/Document/%s/Image" % guid(rng),
+                "Uri": "https://services.example.com/documents/%s/image" % guid(rng),
                 "VerticalResolution": 600,
                 "Data": image_string(rng, size),
             }

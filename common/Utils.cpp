@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "platform/DateFormat.h"
@@ -69,8 +70,12 @@ std::optional<JsonDictionary> Utils::convertToDictionary(const std::optional<std
   if (!text) return std::nullopt;
   platform::JsonParseResult parsed = platform::parseJson(*text);
   if (!parsed.value) {
-    const std::string line = parsed.errorDescription + "\n";
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    try {
+      const std::string line = parsed.errorDescription + "\n";
+      std::fwrite(line.data(), 1, line.size(), stdout);
+    } catch (const std::bad_alloc&) {
+      // Out of memory for the message as well: the result is absent anyway.
+    }
     return std::nullopt;
   }
   return parsed.value->dictionaryValue();  // absent, silently, for an array
@@ -92,7 +97,11 @@ std::string Utils::getStringValue(const std::optional<JsonDictionary>& jsonDict,
                                   const std::string& key) {
   const detail::JsonNode* node = lookUp(jsonDict, key);
   if (node == nullptr || node->type != detail::NodeType::String) return {};
-  return std::string(node->payload.chars, node->size);
+  try {
+    return std::string(node->payload.chars, node->size);
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
 }
 
 bool Utils::getBooleanValue(const std::optional<JsonDictionary>& jsonDict,

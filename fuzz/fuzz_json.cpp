@@ -46,7 +46,9 @@ void write(const tavuro::JsonValue& value, std::string& out) {
     case Kind::String: writeString(*value.stringValue(), out); return;
     case Kind::Number: {
       switch (*value.numberKind()) {
-        case tavuro::JsonValue::NumberKind::Int64: out += std::to_string(*value.int64Value()); return;
+        case tavuro::JsonValue::NumberKind::Int64:
+          out += std::to_string(*value.int64Value());
+          return;
         case tavuro::JsonValue::NumberKind::UInt64:
           out += std::to_string(*value.uint64Value());
           return;
@@ -82,7 +84,8 @@ void write(const tavuro::JsonValue& value, std::string& out) {
         const std::optional<tavuro::JsonValue> found = object.find(key);
         check(found && found->kind() == member.kind());
         check(tavuro::Utils::getIntValue(asOptional, key) == member.int64Value().value_or(0));
-        check(tavuro::Utils::getBooleanValue(asOptional, key) == member.boolValue().value_or(false));
+        check(tavuro::Utils::getBooleanValue(asOptional, key) ==
+              member.boolValue().value_or(false));
         const double number = tavuro::Utils::getDoubleValue(asOptional, key);
         check(number == member.doubleValue().value_or(0.0));
         check(tavuro::Utils::getArrayValue(asOptional, key).has_value() ==

@@ -1,6 +1,6 @@
-// The JSON reader behind `JsonValue`: RFC 8259 with the phone platform's
-// choices (top level object or array only, first duplicate key wins, depth
-// limit 512, UTF-8/16/32 input detection).
+// The JSON reader behind `JsonValue`: RFC 8259, with the top level an
+// object or an array only, the first of repeated keys kept, nesting limited
+// to 512 levels, and UTF-8, UTF-16 or UTF-32 input detected.
 //
 // Memory: a document holds a copy of its text and 16 bytes per value and per
 // key. When a large document goes away, up to 8 MB of its node memory is

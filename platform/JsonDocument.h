@@ -15,7 +15,6 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 #include "TavuroCommon/TavuroCommon.h"
 
@@ -132,15 +131,18 @@ inline std::uint64_t mixHash(std::uint64_t a, std::uint64_t b) noexcept {
 #endif
 }
 
-/// Hash of a key. Reads only the key's own bytes.
+/// Hash of a key. Reads only the key's own bytes. Both factors of every
+/// multiply carry the secret seed, so that no key can be chosen to zero one
+/// of them and collide with its neighbours whatever the seed.
 inline std::uint64_t hashKey(const char* key, std::size_t size, std::uint64_t seed) noexcept {
   constexpr std::uint64_t kOdd1 = 0xA0761D6478BD642FULL;
   constexpr std::uint64_t kOdd2 = 0xE7037ED1A0B428DBULL;
   std::uint64_t h = seed ^ (size * kOdd1);
+  const auto rotate = [](std::uint64_t x) { return (x << 29) | (x >> 35); };
   const char* p = key;
   std::size_t left = size;
   while (left > 16) {
-    h = mixHash(load64(p) ^ kOdd1, load64(p + 8) ^ h);
+    h = mixHash(load64(p) ^ h, load64(p + 8) ^ rotate(h) ^ kOdd2);
     p += 16;
     left -= 16;
   }
@@ -153,10 +155,12 @@ inline std::uint64_t hashKey(const char* key, std::size_t size, std::uint64_t se
     a = load32(p);
     b = load32(p + left - 4);
   } else if (left > 0) {
-    const auto byte = [p](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])); };
+    const auto byte = [p](std::size_t i) {
+      return static_cast<std::uint64_t>(static_cast<unsigned char>(p[i]));
+    };
     a = (byte(0) << 16) | (byte(left >> 1) << 8) | byte(left - 1);
   }
-  return mixHash(a ^ kOdd2 ^ h, b ^ kOdd1);
+  return mixHash(a ^ h ^ kOdd2, b ^ rotate(h) ^ kOdd1);
 }
 
 inline bool keyEquals(const JsonNode& key, std::string_view wanted) noexcept {
@@ -255,12 +259,6 @@ inline std::optional<bool> exactBool(const JsonNode& node) noexcept {
 /// (`Utils` getters and the reader), which must not pay for reference
 /// counting on every lookup.
 struct JsonAccess {
-  static const JsonNode* node(const JsonDictionary& dictionary) noexcept {
-    return dictionary.node_;
-  }
-  static const JsonDocument* document(const JsonDictionary& dictionary) noexcept {
-    return dictionary.document_.get();
-  }
   static const JsonNode* find(const JsonDictionary& dictionary, std::string_view key) noexcept {
     if (dictionary.node_ == nullptr) return nullptr;
     return findMember(*dictionary.document_, *dictionary.node_, key);
@@ -271,7 +269,8 @@ struct JsonAccess {
   static JsonArray array(const JsonDictionary& owner, const JsonNode* node) {
     return JsonArray(owner.document_, node);
   }
-  static JsonValue value(std::shared_ptr<const JsonDocument> document, const JsonNode* node) noexcept {
+  static JsonValue value(std::shared_ptr<const JsonDocument> document,
+                         const JsonNode* node) noexcept {
     return JsonValue(std::move(document), node);
   }
 };

@@ -74,11 +74,14 @@ Conversion convertToUtf8(std::string_view units, Encoding encoding, char* out) {
   const auto* in = reinterpret_cast<const unsigned char*>(units.data());
   const std::size_t n = units.size();
   char* const start = out;
-  const auto result = [&](bool ok) { return Conversion{static_cast<std::size_t>(out - start), ok}; };
+  const auto result = [&](bool ok) {
+    return Conversion{static_cast<std::size_t>(out - start), ok};
+  };
   if (encoding == Encoding::Utf16BE || encoding == Encoding::Utf16LE) {
     const bool big = encoding == Encoding::Utf16BE;
     const auto unit = [&](std::size_t i) -> std::uint32_t {
-      return big ? (std::uint32_t{in[i]} << 8) | in[i + 1] : (std::uint32_t{in[i + 1]} << 8) | in[i];
+      return big ? (std::uint32_t{in[i]} << 8) | in[i + 1]
+                 : (std::uint32_t{in[i + 1]} << 8) | in[i];
     };
     std::size_t i = 0;
     for (; i + 1 < n; i += 2) {
@@ -98,11 +101,11 @@ Conversion convertToUtf8(std::string_view units, Encoding encoding, char* out) {
   const bool big = encoding == Encoding::Utf32BE;
   std::size_t i = 0;
   for (; i + 3 < n; i += 4) {
-    const std::uint32_t cp =
-        big ? (std::uint32_t{in[i]} << 24) | (std::uint32_t{in[i + 1]} << 16) |
-                  (std::uint32_t{in[i + 2]} << 8) | in[i + 3]
-            : (std::uint32_t{in[i + 3]} << 24) | (std::uint32_t{in[i + 2]} << 16) |
-                  (std::uint32_t{in[i + 1]} << 8) | in[i];
+    const std::uint32_t cp = big ? (std::uint32_t{in[i]} << 24) | (std::uint32_t{in[i + 1]} << 16) |
+                                       (std::uint32_t{in[i + 2]} << 8) | in[i + 3]
+                                 : (std::uint32_t{in[i + 3]} << 24) |
+                                       (std::uint32_t{in[i + 2]} << 16) |
+                                       (std::uint32_t{in[i + 1]} << 8) | in[i];
     if (cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return result(false);
     out = appendUtf8(cp, out);
   }
@@ -185,8 +188,7 @@ std::string message(std::string_view text, JsonErrorKind kind, std::size_t offse
     }
     case JsonErrorKind::InvalidUnicodeEscape:
       return "Invalid \\u escape (four hexadecimal digits expected)" + where;
-    case JsonErrorKind::UnpairedSurrogate:
-      return "Unpaired surrogate in a \\u escape" + where;
+    case JsonErrorKind::UnpairedSurrogate: return "Unpaired surrogate in a \\u escape" + where;
     case JsonErrorKind::InvalidUtf8: return "Invalid UTF-8 " + character() + " in a string" + where;
     case JsonErrorKind::InvalidNumber: return "Invalid number" + where;
     case JsonErrorKind::NumberOutOfRange:
@@ -233,7 +235,8 @@ JsonInput decodeJsonInput(std::string_view bytes) {
   input.size = conversion.written;
   std::memset(input.text.get() + input.size, 0, kJsonPadding);
   if (!conversion.ok) {
-    const bool wide = detected.encoding == Encoding::Utf32BE || detected.encoding == Encoding::Utf32LE;
+    const bool wide =
+        detected.encoding == Encoding::Utf32BE || detected.encoding == Encoding::Utf32LE;
     input.error = wide ? JsonErrorKind::InvalidUtf32 : JsonErrorKind::InvalidUtf16;
     input.errorOffset = conversion.written;
   }

@@ -8,18 +8,16 @@
 // stops every one of them, and only then is the end of the text looked at.
 //
 // Parsing is iterative. Values are pushed on a pending stack; when a
-// container closes, its children move from that stack into the document's
-// node array in one block.
+// container closes, its children move from that stack into one block of the
+// document's node arena.
 #include <algorithm>
 #include <cfloat>
 #include <charconv>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <limits>
 #include <locale>
-#include <mutex>
 #include <new>
 #include <sstream>
 #include <string>
@@ -34,119 +32,8 @@
 #include "platform/Json.h"
 #include "platform/JsonDocument.h"
 #include "platform/JsonInput.h"
-#include "platform/NoDestructor.h"
 
-namespace tavuro {
-namespace detail {
-
-std::uint64_t processHashSeed() noexcept {
-  static const std::uint64_t seed = [] {
-    static const int anchor = 0;
-    const auto address = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&anchor));
-    const auto now =
-        static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-    return mixHash(address ^ 0x243F6A8885A308D3ULL, now ^ 0x13198A2E03707344ULL);
-  }();
-  return seed;
-}
-
-// Full-size arena chunks of documents that are gone, kept for the next
-// parse up to a fixed total. Fresh memory from the system must be faulted in
-// page by page, which for a large document costs about as much as parsing
-// it; recycled chunks are already mapped.
-class ChunkPool {
- public:
-  static constexpr std::size_t kChunkBytes = 64 * 1024 - 32;  // with headers, under 64 KB
-  static constexpr std::size_t kMaxPooledChunks = 128;        // 8 MB
-
-  static ChunkPool& instance() {
-    static platform::NoDestructor<ChunkPool> pool;
-    return *pool;
-  }
-
-  NodeArena::Chunk* take() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    NodeArena::Chunk* chunk = free_;
-    if (chunk != nullptr) {
-      free_ = chunk->next;
-      --count_;
-    }
-    return chunk;
-  }
-
-  NodeArena::Chunk* takeAll() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    NodeArena::Chunk* all = free_;
-    free_ = nullptr;
-    count_ = 0;
-    return all;
-  }
-
-  // Keeps what fits and returns the rest, to be freed outside the lock.
-  NodeArena::Chunk* give(NodeArena::Chunk* list) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    while (list != nullptr && count_ < kMaxPooledChunks) {
-      NodeArena::Chunk* next = list->next;
-      list->next = free_;
-      free_ = list;
-      ++count_;
-      list = next;
-    }
-    return list;
-  }
-
- private:
-  std::mutex mutex_;
-  NodeArena::Chunk* free_ = nullptr;
-  std::size_t count_ = 0;
-};
-
-NodeArena::~NodeArena() {
-  Chunk* poolable = nullptr;
-  while (chunks_ != nullptr) {
-    Chunk* next = chunks_->next;
-    if (chunks_->size == ChunkPool::kChunkBytes) {
-      chunks_->next = poolable;
-      poolable = chunks_;
-    } else {
-      ::operator delete(chunks_);
-    }
-    chunks_ = next;
-  }
-  freeChunks(poolable == nullptr ? nullptr : ChunkPool::instance().give(poolable));
-}
-
-void NodeArena::freeChunks(Chunk* list) noexcept {
-  while (list != nullptr) {
-    Chunk* next = list->next;
-    ::operator delete(list);
-    list = next;
-  }
-}
-
-void* NodeArena::newChunk(std::size_t bytes) {
-  Chunk* chunk = bytes == ChunkPool::kChunkBytes ? ChunkPool::instance().take() : nullptr;
-  if (chunk == nullptr) chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + bytes));
-  chunk->next = chunks_;
-  chunk->size = bytes;
-  chunks_ = chunk;
-  return chunk + 1;
-}
-
-void* NodeArena::allocateSlow(std::size_t bytes) {
-  // Small documents start with small chunks; large ones settle on the size
-  // the pool recycles.
-  if (bytes > nextChunkSize_ / 4) return newChunk(bytes);
-  char* chunk = static_cast<char*>(newChunk(nextChunkSize_));
-  cursor_ = chunk + bytes;
-  limit_ = chunk + nextChunkSize_;
-  nextChunkSize_ = std::min(nextChunkSize_ * 2, ChunkPool::kChunkBytes);
-  return chunk;
-}
-
-}  // namespace detail
-
-namespace platform {
+namespace tavuro::platform {
 namespace {
 
 using detail::JsonNode;
@@ -155,7 +42,7 @@ using detail::NodeType;
 constexpr std::size_t kMaxDepth = 512;
 // Below this many members an object is searched front to back; from it on it
 // gets a hash index.
-constexpr std::uint32_t kIndexedObjectMinMembers = 12;
+constexpr std::uint32_t kIndexedObjectMinMembers = 16;
 
 // ---------------------------------------------------------------------------
 // Character classes
@@ -184,9 +71,13 @@ struct CharTables {
 
 constexpr CharTables kTables;
 
-inline unsigned char byteAt(const char* p) noexcept { return static_cast<unsigned char>(*p); }
+inline unsigned char byteAt(const char* p) noexcept {
+  return static_cast<unsigned char>(*p);
+}
 
-inline bool isDigit(char c) noexcept { return static_cast<unsigned char>(c - '0') < 10; }
+inline bool isDigit(char c) noexcept {
+  return static_cast<unsigned char>(c - '0') < 10;
+}
 
 inline unsigned countTrailingZeros(std::uint32_t mask) noexcept {
 #if defined(__GNUC__) || defined(__clang__)
@@ -248,6 +139,30 @@ inline char* findSpecial(char* p) noexcept {
 #endif
 }
 
+/// Copies n < 16 bytes from `src` down to `dst` (dst < src, overlap
+/// allowed) without writing past dst + n: every piece is loaded before any
+/// is stored. Cheaper than a call to memmove for these sizes.
+inline void moveShort(char* dst, const char* src, unsigned n) noexcept {
+  if (n >= 8) {
+    const std::uint64_t head = detail::load64(src);
+    const std::uint64_t tail = detail::load64(src + n - 8);
+    std::memcpy(dst, &head, 8);
+    std::memcpy(dst + n - 8, &tail, 8);
+  } else if (n >= 4) {
+    const std::uint32_t head = detail::load32(src);
+    const std::uint32_t tail = detail::load32(src + n - 4);
+    std::memcpy(dst, &head, 4);
+    std::memcpy(dst + n - 4, &tail, 4);
+  } else if (n > 0) {
+    const char first = src[0];
+    const char middle = src[n / 2];
+    const char last = src[n - 1];
+    dst[0] = first;
+    dst[n / 2] = middle;
+    dst[n - 1] = last;
+  }
+}
+
 /// Moves plain string bytes from `src` down to `dst` until the next special
 /// byte; both advance.
 inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
@@ -270,7 +185,7 @@ inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
       continue;
     }
     const unsigned n = countTrailingZeros(mask);
-    std::memmove(dst, src, n);
+    moveShort(dst, src, n);
     src += n;
     dst += n;
     return;
@@ -431,13 +346,16 @@ class Reader {
   }
   // The character at `at` was not what the grammar allows there.
   bool failAt(const char* at) noexcept {
-    return fail(at >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::UnexpectedCharacter,
-                at);
+    return fail(at >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::UnexpectedCharacter, at);
   }
 
   void skipWhitespace() noexcept {
     if (byteAt(p_) > ' ') return;
-    while (kTables.whitespace[byteAt(p_)]) ++p_;
+    // A local cursor: stores to the member would have to be repeated for
+    // every byte, since a char store may alias the text.
+    char* p = p_;
+    while (kTables.whitespace[byteAt(p)]) ++p;
+    p_ = p;
   }
 
   JsonNode* push(NodeType type, std::uint32_t size = 0) {
@@ -448,14 +366,16 @@ class Reader {
     node->size = size;
     return node;
   }
+  // `magnitude` fits: at most 2^63 when negative.
   void pushInteger(bool negative, std::uint64_t magnitude) {
+    constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     if (negative) {
-      push(NodeType::Int64)->payload.u = std::uint64_t{0} - magnitude;  // two's complement
+      push(NodeType::Int64)->payload.i = magnitude > kMax ? std::numeric_limits<std::int64_t>::min()
+                                                          : -static_cast<std::int64_t>(magnitude);
+    } else if (magnitude <= kMax) {
+      push(NodeType::Int64)->payload.i = static_cast<std::int64_t>(magnitude);
     } else {
-      push(magnitude <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
-               ? NodeType::Int64
-               : NodeType::UInt64)
-          ->payload.u = magnitude;
+      push(NodeType::UInt64)->payload.u = magnitude;
     }
   }
 
@@ -469,8 +389,8 @@ class Reader {
   JsonNode* copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount);
   Children finishObject(JsonNode* members, std::uint32_t count);
   static std::uint32_t removeLaterDuplicates(JsonNode* members, std::uint32_t count);
-  bool insertKeys(const JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
-                  unsigned bits) const;
+  std::uint32_t indexKeys(JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+                          unsigned bits) const;
 
   char* p_;
   char* const begin_;
@@ -629,7 +549,7 @@ bool Reader::readString() {
     } else if (c >= 0x80) {
       const unsigned length = utf8SequenceLength(src);
       if (length == 0) return fail(JsonErrorKind::InvalidUtf8, src);
-      if (dst != src) std::memmove(dst, src, length);
+      if (dst != src) moveShort(dst, src, length);
       src += length;
       dst += length;
     } else if (src >= end_) {
@@ -766,7 +686,8 @@ bool Reader::readNumber() {
   if (kExactFastPath && digitCount <= 19 && mantissa <= (std::uint64_t{1} << 53) &&
       exponent >= -22 && exponent <= 22) {
     double value = static_cast<double>(mantissa);
-    value = exponent < 0 ? value / kExactPowersOfTen[-exponent] : value * kExactPowersOfTen[exponent];
+    value =
+        exponent < 0 ? value / kExactPowersOfTen[-exponent] : value * kExactPowersOfTen[exponent];
     push(NodeType::Double)->payload.d = negative ? -value : value;
     return true;
   }
@@ -793,9 +714,9 @@ bool Reader::readUnusualNumber(const char* start, const char* end, bool negative
   if (!convertDecimal(start, end, value)) {
     // Only a mantissa with a non-zero digit can overflow or underflow; zeros
     // stay zero whatever the exponent.
-    const char* const mantissaEnd = std::find_if(start, end, [](char c) { return c == 'e' || c == 'E'; });
-    const bool zero =
-        std::none_of(start, mantissaEnd, [](char c) { return c >= '1' && c <= '9'; });
+    const char* const mantissaEnd =
+        std::find_if(start, end, [](char c) { return c == 'e' || c == 'E'; });
+    const bool zero = std::none_of(start, mantissaEnd, [](char c) { return c >= '1' && c <= '9'; });
     if (!zero) return fail(JsonErrorKind::NumberOutOfRange, start);
     value = negative ? -0.0 : 0.0;
   }
@@ -824,37 +745,43 @@ Children Reader::finishObject(JsonNode* members, std::uint32_t count) {
   while ((std::size_t{1} << bits) < 2 * static_cast<std::size_t>(count)) ++bits;
   const std::size_t slotCount = std::size_t{1} << bits;
   JsonNode* const block = copyToArena(members, 2 * std::size_t{count}, slotCount);
-  const auto slotsAfter = [block](std::uint32_t memberCount) {
-    return reinterpret_cast<detail::KeySlot*>(block + 2 * std::size_t{memberCount});
-  };
-  std::fill(slotsAfter(count), slotsAfter(count) + slotCount, detail::KeySlot{});
-  if (!insertKeys(block, count, slotsAfter(count), bits)) {
-    // Rare: repeated keys. Drop the later ones and index again; the slots
-    // move up behind the shorter member list.
-    count = removeLaterDuplicates(block, count);
-    std::fill(slotsAfter(count), slotsAfter(count) + slotCount, detail::KeySlot{});
-    insertKeys(block, count, slotsAfter(count), bits);
+  auto* const slots = reinterpret_cast<detail::KeySlot*>(block + 2 * std::size_t{count});
+  std::fill(slots, slots + slotCount, detail::KeySlot{});
+  const std::uint32_t kept = indexKeys(block, count, slots, bits);
+  if (kept != count) {
+    // Lookups expect the slots right behind the members.
+    std::memmove(static_cast<void*>(block + 2 * std::size_t{kept}), slots,
+                 slotCount * sizeof(detail::KeySlot));
   }
-  return Children{block, count, static_cast<std::uint8_t>(bits)};
+  return Children{block, kept, static_cast<std::uint8_t>(bits)};
 }
 
-bool Reader::insertKeys(const JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
-                        unsigned bits) const {
+// Fills the hash slots and drops every member whose key is already there,
+// moving later members forward; returns the number kept.
+std::uint32_t Reader::indexKeys(JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+                                unsigned bits) const {
   const std::size_t mask = (std::size_t{1} << bits) - 1;
+  std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     const JsonNode& key = members[2 * i];
     const std::uint64_t hash = detail::hashKey(key.payload.chars, key.size, document_.hashSeed);
     const auto tag = static_cast<std::uint32_t>(hash >> 32);
     std::size_t slot = hash & mask;
-    while (slots[slot].member != 0) {
+    bool duplicate = false;
+    for (; slots[slot].member != 0; slot = (slot + 1) & mask) {
       if (slots[slot].tag == tag && sameKey(members[2 * (slots[slot].member - 1)], key)) {
-        return false;
+        duplicate = true;
+        break;
       }
-      slot = (slot + 1) & mask;
     }
-    slots[slot] = detail::KeySlot{tag, i + 1};
+    if (duplicate) continue;
+    if (kept != i) {
+      members[2 * kept] = members[2 * i];
+      members[2 * kept + 1] = members[2 * i + 1];
+    }
+    slots[slot] = detail::KeySlot{tag, ++kept};
   }
-  return true;
+  return kept;
 }
 
 // Compacts the member list so that only the first of equal keys remains;
@@ -865,8 +792,8 @@ std::uint32_t Reader::removeLaterDuplicates(JsonNode* members, std::uint32_t cou
   // comparing against every earlier key.
   const auto featureBit = [](const JsonNode& key) {
     if (key.size == 0) return std::uint64_t{1};
-    const unsigned mix = key.size * 7U + byteAt(key.payload.chars) * 3U +
-                         byteAt(key.payload.chars + key.size - 1);
+    const unsigned mix =
+        key.size * 7U + byteAt(key.payload.chars) * 3U + byteAt(key.payload.chars + key.size - 1);
     return std::uint64_t{1} << (mix & 63U);
   };
   std::uint64_t seen = 0;
@@ -892,10 +819,6 @@ std::uint32_t Reader::removeLaterDuplicates(JsonNode* members, std::uint32_t cou
 
 }  // namespace
 
-void releaseJsonMemory() noexcept {
-  detail::NodeArena::freeChunks(detail::ChunkPool::instance().takeAll());
-}
-
 JsonParseResult parseJson(std::string_view bytes) {
   JsonParseResult result;
   try {
@@ -915,12 +838,15 @@ JsonParseResult parseJson(std::string_view bytes) {
     }
     const detail::JsonNode* root = &document->root;
     result.value = detail::JsonAccess::value(std::move(document), root);
-  } catch (const std::bad_alloc&) {
+  } catch (...) {  // out of memory; nothing else is thrown here
     result.value.reset();
-    result.errorDescription = "Not enough memory to read the JSON text.";
+    try {
+      result.errorDescription = "Not enough memory to read the JSON text.";
+    } catch (...) {
+      result.errorDescription.clear();
+    }
   }
   return result;
 }
 
-}  // namespace platform
-}  // namespace tavuro
+}  // namespace tavuro::platform

@@ -91,7 +91,9 @@ JsonArray::JsonArray(std::shared_ptr<const detail::JsonDocument> document,
                      const detail::JsonNode* node) noexcept
     : document_(std::move(document)), node_(node) {}
 
-std::size_t JsonArray::size() const noexcept { return node_ == nullptr ? 0 : node_->size; }
+std::size_t JsonArray::size() const noexcept {
+  return node_ == nullptr ? 0 : node_->size;
+}
 
 JsonValue JsonArray::operator[](std::size_t index) const noexcept {
   if (index >= size()) return JsonValue();
@@ -108,7 +110,9 @@ JsonDictionary::JsonDictionary(std::shared_ptr<const detail::JsonDocument> docum
                                const detail::JsonNode* node) noexcept
     : document_(std::move(document)), node_(node) {}
 
-std::size_t JsonDictionary::size() const noexcept { return node_ == nullptr ? 0 : node_->size; }
+std::size_t JsonDictionary::size() const noexcept {
+  return node_ == nullptr ? 0 : node_->size;
+}
 
 bool JsonDictionary::contains(std::string_view key) const noexcept {
   return detail::JsonAccess::find(*this, key) != nullptr;

@@ -20,10 +20,8 @@ inline std::string describe(const JsonValue& value) {
     case JsonValue::Kind::Boolean: return *value.boolValue() ? "true" : "false";
     case JsonValue::Kind::Number:
       switch (*value.numberKind()) {
-        case JsonValue::NumberKind::Int64:
-          return "i" + std::to_string(*value.int64Value());
-        case JsonValue::NumberKind::UInt64:
-          return "u" + std::to_string(*value.uint64Value());
+        case JsonValue::NumberKind::Int64: return "i" + std::to_string(*value.int64Value());
+        case JsonValue::NumberKind::UInt64: return "u" + std::to_string(*value.uint64Value());
         case JsonValue::NumberKind::Double:
           std::snprintf(buffer, sizeof buffer, "d%.17g", *value.doubleValue());
           return buffer;

@@ -97,7 +97,8 @@ TEST(UtilsGetters, ConvertOnlyTheirOwnKindAndExactNumbers) {
   const std::optional<JsonDictionary> dictionary = Utils::convertToDictionary(all);
   ASSERT_TRUE(dictionary);
   for (const Row& row : rows()) expectRow(dictionary, row, "together");
-  for (const Row& row : rows()) expectRow(std::nullopt, Row{row.key, nullptr, 0, 0.0, "", false, false, false}, "absent");
+  for (const Row& row : rows())
+    expectRow(std::nullopt, Row{row.key, nullptr, 0, 0.0, "", false, false, false}, "absent");
   expectRow(JsonDictionary(), rows()[0], "empty");
 }
 
@@ -108,9 +109,9 @@ TEST(UtilsConvertToDictionary, PrintsOneLineOnlyForUnreadableText) {
     bool printsLine;  // one line on standard output
   };
   const std::vector<Case> cases{
-      {"{}", true, false},     {"{\"a\":[1]}", true, false}, {"[1,2]", false, false},
-      {std::nullopt, false, false}, {"5", false, true},     {"", false, true},
-      {"{", false, true},      {"{\"a\":1,}", false, true},
+      {"{}", true, false},          {"{\"a\":[1]}", true, false}, {"[1,2]", false, false},
+      {std::nullopt, false, false}, {"5", false, true},           {"", false, true},
+      {"{", false, true},           {"{\"a\":1,}", false, true},
   };
   for (const Case& c : cases) {
     ::testing::internal::CaptureStdout();

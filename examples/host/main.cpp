@@ -136,6 +136,52 @@ void useSessionToken() {
   std::printf("  token removed: %s\n", tavuro::Credential::removeToken() ? "yes" : "no");
 }
 
+// After start-up: a package reads a service's JSON answer with the lenient
+// getters (a missing or mistyped field gives a default, never an error) and
+// shows its /Date(ms)/ fields as dates.
+void readServiceAnswer(const std::string& resources) {
+  const std::string path = resources + "/sample_answer.json";
+  std::printf("Service answer from %s\n", path.c_str());
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    std::printf("  (cannot open it)\n");
+    return;
+  }
+  std::string text;
+  char buffer[4096];
+  for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) text.append(buffer, n);
+  std::fclose(file);
+
+  using tavuro::Utils;
+  const std::optional<tavuro::JsonDictionary> answer = Utils::convertToDictionary(text);
+  std::printf("  result %lld, instance %s\n",
+              static_cast<long long>(Utils::getIntValue(answer, "Result")),
+              Utils::getStringValue(answer, "InstanceId").c_str());
+  const auto biographic = Utils::getObjectValue(answer, "Biographic");
+  std::printf(
+      "  %s, age %lld, born %s, expires %s\n",
+      Utils::getStringValue(biographic, "FullName").c_str(),
+      static_cast<long long>(Utils::getIntValue(biographic, "Age")),
+      Utils::dateFieldToDateString(Utils::getStringValue(biographic, "BirthDate"))->c_str(),
+      Utils::dateFieldToDateString(Utils::getStringValue(biographic, "ExpirationDate"))->c_str());
+  const auto type = Utils::getObjectValue(Utils::getObjectValue(answer, "Classification"), "Type");
+  std::printf("  document: %s issued %s\n", Utils::getStringValue(type, "ClassName").c_str(),
+              Utils::getStringValue(type, "IssueYear").c_str());
+  const std::optional<tavuro::JsonArray> fields = Utils::getArrayValue(answer, "Fields");
+  for (std::size_t i = 0; fields && i < fields->size(); ++i) {
+    const auto field = (*fields)[i].dictionaryValue();
+    const std::string value = Utils::getStringValue(field, "Value");
+    std::printf(
+        "  field %-16s %-14s reliability %.2f%s\n", Utils::getStringValue(field, "Key").c_str(),
+        Utils::dateFieldToDateString(value)->c_str(), Utils::getDoubleValue(field, "Reliability"),
+        Utils::getBooleanValue(field, "IsConsistent") ? "" : " (inconsistent)");
+  }
+  // Lenient reads: a text is not a number, and a missing key is no error.
+  std::printf("  IssueYear as a number: %lld, missing key: \"%s\"\n",
+              static_cast<long long>(Utils::getIntValue(type, "IssueYear")),
+              Utils::getStringValue(answer, "NoSuchKey").c_str());
+}
+
 }  // namespace
 
 int main(int /*argc*/, char** argv) {
@@ -143,6 +189,7 @@ int main(int /*argc*/, char** argv) {
   loadConfiguration(resources);
   startPackages();
   useSessionToken();
+  readServiceAnswer(resources);
   showResults();
   showModeAndSettings();
   return 0;

@@ -130,6 +130,38 @@ void startPackages() {
                                  });
 }
 
+// Prints each entry of `dictionary` through the typed getter of its kind,
+// going into nested objects; date fields are shown converted as well.
+void showEntries(const std::optional<JsonDictionary>& dictionary, int indent) {
+  for (std::size_t i = 0; i < dictionary->size(); ++i) {
+    const std::string key(dictionary->keyAt(i));
+    std::string shown;
+    switch (dictionary->valueAt(i).kind()) {
+      case JsonValue::Kind::Number:
+        shown = dictionary->valueAt(i).int64Value()
+                    ? std::to_string(Utils::getIntValue(dictionary, key))
+                    : formatDouble(Utils::getDoubleValue(dictionary, key));
+        break;
+      case JsonValue::Kind::Boolean:
+        shown = Utils::getBooleanValue(dictionary, key) ? "true" : "false";
+        break;
+      case JsonValue::Kind::String:
+        shown = Utils::getStringValue(dictionary, key);
+        if (shown.rfind("/Date(", 0) == 0) shown += " -> " + *Utils::dateFieldToDateString(shown);
+        break;
+      case JsonValue::Kind::Array:
+        shown = std::to_string(Utils::getArrayValue(dictionary, key)->size()) + " elements";
+        break;
+      case JsonValue::Kind::Object: break;
+      case JsonValue::Kind::Null: shown = "null"; break;
+    }
+    std::printf("%*s%s:%s%s\n", indent, "", key.c_str(), shown.empty() ? "" : " ", shown.c_str());
+    if (dictionary->valueAt(i).kind() == JsonValue::Kind::Object) {
+      showEntries(Utils::getObjectValue(dictionary, key), indent + 2);
+    }
+  }
+}
+
 void readAnswer(const std::string& directory) {
   const auto text = readFile(directory + "/" + kAnswerFile);
   if (!text) {
@@ -138,35 +170,8 @@ void readAnswer(const std::string& directory) {
   }
   const std::optional<JsonDictionary> answer = Utils::convertToDictionary(text);
   if (!answer) return;
-  std::printf("   the answer, read with the typed getters:\n");
-  for (std::size_t i = 0; i < answer->size(); ++i) {
-    const std::string key(answer->keyAt(i));
-    const JsonValue value = answer->valueAt(i);
-    std::string shown;
-    switch (value.kind()) {
-      case JsonValue::Kind::Number:
-        shown = value.int64Value() ? std::to_string(Utils::getIntValue(answer, key))
-                                   : formatDouble(Utils::getDoubleValue(answer, key));
-        break;
-      case JsonValue::Kind::Boolean:
-        shown = Utils::getBooleanValue(answer, key) ? "true" : "false";
-        break;
-      case JsonValue::Kind::String:
-        shown = Utils::getStringValue(answer, key);
-        if (shown.rfind("/Date(", 0) == 0) {
-          shown += " -> " + *Utils::dateFieldToDateString(shown);
-        }
-        break;
-      case JsonValue::Kind::Array:
-        shown = std::to_string(Utils::getArrayValue(answer, key)->size()) + " elements";
-        break;
-      case JsonValue::Kind::Object:
-        shown = std::to_string(Utils::getObjectValue(answer, key)->size()) + " keys";
-        break;
-      case JsonValue::Kind::Null: shown = "null"; break;
-    }
-    std::printf("     %s: %s\n", key.c_str(), shown.c_str());
-  }
+  std::printf("   the answer (%s), read with the typed getters:\n", kAnswerFile);
+  showEntries(answer, 5);
 }
 
 void sendRequest(const std::string& directory) {

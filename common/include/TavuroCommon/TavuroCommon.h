@@ -35,17 +35,7 @@
 #include <string_view>
 #include <vector>
 
-#if defined(_WIN32) && defined(TAVURO_SHARED_LIBRARY)
-#if defined(TAVURO_BUILDING_LIBRARY)
-#define TAVURO_EXPORT __declspec(dllexport)
-#else
-#define TAVURO_EXPORT __declspec(dllimport)
-#endif
-#elif defined(__GNUC__) || defined(__clang__)
-#define TAVURO_EXPORT __attribute__((visibility("default")))
-#else
-#define TAVURO_EXPORT
-#endif
+#include "TavuroCommon/TavuroExport.h"
 
 namespace tavuro {
 
@@ -463,7 +453,9 @@ struct JsonNode;
 /// integer or a floating-point number.
 ///
 /// Values are immutable and share the document they came from: copying one
-/// is cheap, and it keeps that document alive.
+/// is cheap, and it keeps that document alive. A document holds a copy of
+/// its text and 16 bytes per value and per key; when a large one is freed,
+/// up to 8 MB of that node memory is kept for reuse by later parses.
 ///
 /// Thread safety: immutable; read it from any number of threads.
 class TAVURO_EXPORT JsonValue {
@@ -630,11 +622,13 @@ class TAVURO_EXPORT Utils {
 
 /// The base addresses of the kit's cloud services, as the configuration
 /// file or the host gives them: nothing is checked, joined or normalised,
-/// and an empty text stays empty. Every field starts absent.
+/// and an empty text stays empty. Every field starts absent; a setter given
+/// an absent value clears its field.
 ///
 /// The credential store hands out its own record by shared reference, so a
-/// change made here is seen at once by every holder; it reaches the
-/// configuration file only at the store's next save, and only for
+/// change made here is seen at once by every holder. The record's setters
+/// write nothing themselves: a change reaches the configuration file only
+/// at the store's next save (any `Credential` setter), and only for
 /// `frmEndpoint`, `idEndpoint` and `healthInsuranceEndpoint`.
 ///
 /// Thread safety: not synchronised; use it from one thread at a time.
@@ -660,7 +654,8 @@ class TAVURO_EXPORT Endpoints {
   virtual std::optional<std::string> healthInsuranceEndpoint() const;
   virtual void setHealthInsuranceEndpoint(std::optional<std::string> endpoint);
   /// Kelmo e-passport chip verification ("kelmo_endpoint"; never saved, and
-  /// given the built-in default when the file has no text under the key).
+  /// given the built-in default when the file has no text under the key;
+  /// the default is the CMake cache setting TAVURO_KELMO_DEFAULT_ENDPOINT).
   virtual std::optional<std::string> kelmoEndpoint() const;
   virtual void setKelmoEndpoint(std::optional<std::string> endpoint);
 
@@ -709,21 +704,27 @@ class TAVURO_EXPORT TavuroJwtParser {
   virtual ~TavuroJwtParser();
 
   /// A token record holding `jwtToken` unchanged and the payload's "exp" as
-  /// its expiration; nullptr when "exp" is missing or not a whole number
-  /// that fits a signed 64-bit integer. An expired token still gives a
-  /// record. `jwtToken` must contain a "." (see `decode`).
+  /// its expiration (that many seconds after 1970-01-01T00:00:00 UTC);
+  /// nullptr when the payload does not decode, has no "exp", or "exp" is
+  /// not a JSON number exactly equal to a signed 64-bit integer (1.7e9
+  /// counts; 1.5, 2^63, a text of digits and a boolean do not). An expired
+  /// token still gives a record. `jwtToken` must contain a "." (see
+  /// `decode`).
   virtual std::shared_ptr<TavuroJwtToken> parseToken(
       const std::string& jwtToken) const;
 
-  /// The claims of the payload (the second "."-separated segment); an empty
+  /// The claims of the payload (the second "."-separated segment, empty
+  /// segments counting: in "a..b" it is the empty one); an empty
   /// dictionary when that segment is not base64url of a JSON object.
   /// A token without any "." ends the process: check for one first when
   /// the text is not known to be a token.
   virtual JsonDictionary decode(const std::string& jwtToken) const;
 
-  /// The bytes of a base64url text: "-" and "_" read as "+" and "/",
-  /// padding added to a multiple of four, characters outside the alphabet
-  /// skipped. Absent when the text cannot be decoded.
+  /// The bytes of a base64url text: "-" and "_" read as "+" and "/", "="
+  /// appended up to a multiple of four bytes of the whole text, then
+  /// characters outside the base64 alphabet skipped. Absent when the text
+  /// cannot be decoded, as when a single alphabet character is left over
+  /// at the end ("YWJjZ").
   virtual std::optional<std::vector<std::uint8_t>> base64UrlDecode(
       const std::string& text) const;
 
@@ -760,19 +761,31 @@ TAVURO_EXPORT std::string resourceDirectory();
 /// service endpoints and the current session token, and the HTTP
 /// "Authorization" values built from them.
 ///
-/// The store loads itself once, on the first call of any operation, from
+/// The store loads itself once, on the first call of any operation (except
+/// `isCredentialValid` with an absent or empty endpoint), from
 /// "TavuroConfig.plist" in the resource directory (see
-/// `setResourceDirectory`). A missing or unreadable file, a malformed
-/// property list or a root that is not a dictionary leaves it empty. Every
-/// setter rewrites that file whole and atomically; the rewrite writes only
-/// "tavuro_username", "tavuro_password", "tavuro_subscription",
-/// "ferisant_endpoint", "med_endpoint" and "frm_endpoint" (each when present)
-/// so any other key, "passive_liveness_endpoint" and "kelmo_endpoint"
-/// included, is dropped from the file on purpose. Every setter saves, even
-/// when the value did not change. A save writes a new file beside the old
-/// one, flushes it, gives it the old file's permission bits and renames it
-/// over the old one, so the file is never left half written. A failed write
-/// is not reported; the new value stays in memory. The token is never
+/// `setResourceDirectory`). Each of the eight keys it knows counts only when
+/// it holds a string; "kelmo_endpoint" then falls back to a built-in
+/// default, every other key to absent, and unknown keys are ignored. A
+/// readable file always gives an `Endpoints` record, even one without any
+/// endpoint key. A missing or unreadable file, a malformed property list or
+/// a root that is not a dictionary leaves the store empty, endpoints
+/// included.
+///
+/// Every setter, even one that changes nothing, rewrites that file whole and
+/// atomically when it exists (no file is ever created). The rewrite holds
+/// only "tavuro_username", "tavuro_password", "tavuro_subscription",
+/// "ferisant_endpoint", "med_endpoint" and "frm_endpoint", each when
+/// present (an empty text is present), so any other key is dropped from the
+/// file on purpose, "passive_liveness_endpoint" and "kelmo_endpoint"
+/// included: after a save, the next process starts with no passive liveness
+/// endpoint and the default Kelmo one. A change made directly on the record
+/// from `endpoints()` reaches the file with the next setter call.
+///
+/// A save writes a new file beside the old one, flushes it, gives it the old
+/// file's permission bits and renames it over the old one, so the file is
+/// never left half written and no temporary file stays behind. A failed
+/// write is not reported; the new value stays in memory. The token is never
 /// written. Saving needs a POSIX system; elsewhere changes stay in memory.
 ///
 /// Thread safety: the first use is guarded, so concurrent first callers see
@@ -780,6 +793,11 @@ TAVURO_EXPORT std::string resourceDirectory();
 /// from one thread at a time.
 class TAVURO_EXPORT Credential {
  public:
+  Credential(const Credential&) = delete;
+  Credential& operator=(const Credential&) = delete;
+
+  /// The account user name, password and subscription identifier; absent
+  /// until the file or a setter gives one.
   static std::optional<std::string> username();
   static std::optional<std::string> password();
   static std::optional<std::string> subscription();
@@ -789,16 +807,18 @@ class TAVURO_EXPORT Credential {
 
   /// Drops the stored token; false when none was stored.
   static bool removeToken();
-  /// Decodes `token` and stores it when its "exp" lies strictly after now.
+  /// Decodes `token` and stores it when its "exp" lies strictly after now
+  /// (the clock is read once).
   /// False (with the stored token unchanged) when it cannot be decoded, has
   /// no usable "exp" or has expired. `token` must contain a "."; see
   /// `TavuroJwtParser::decode`.
   static bool setToken(const std::string& token);
   /// The stored token, expired or not; nullptr when none is stored.
   static std::shared_ptr<TavuroJwtToken> getToken();
-  /// False for an absent or empty endpoint; otherwise true when user name,
-  /// password and subscription are all present and non-empty, or when any
-  /// token is stored (its expiry is not looked at).
+  /// False for an absent or empty endpoint, without touching the store;
+  /// otherwise true when user name, password and subscription are all
+  /// present and non-empty, or when any token is stored (its expiry is not
+  /// looked at). The endpoint's form is not checked.
   static bool isCredentialValid(const std::optional<std::string>& endpoint);
   /// "Bearer " and the stored token (expired or not) while one is stored,
   /// else `getBasicAuthHeader()`.

@@ -59,20 +59,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The same definition as in TavuroCommon.h, so either header may come first. */
-#ifndef TAVURO_EXPORT
-#if defined(_WIN32) && defined(TAVURO_SHARED_LIBRARY)
-#if defined(TAVURO_BUILDING_LIBRARY)
-#define TAVURO_EXPORT __declspec(dllexport)
-#else
-#define TAVURO_EXPORT __declspec(dllimport)
-#endif
-#elif defined(__GNUC__) || defined(__clang__)
-#define TAVURO_EXPORT __attribute__((visibility("default")))
-#else
-#define TAVURO_EXPORT
-#endif
-#endif
+#include "TavuroCommon/TavuroExport.h"
 
 #ifdef __cplusplus
 extern "C" {
