@@ -116,6 +116,14 @@ void release(Handle* handle) noexcept {
   }
 }
 
+// A new handle sharing the object that `read` takes from the record behind
+// `record`; NULL when the record or the object is absent.
+template <typename Handle, typename Record, typename Read>
+Handle* shareField(const Record* record, Read read) noexcept {
+  if (record == nullptr) return nullptr;
+  return guarded<Handle*>(nullptr, [&] { return wrap<Handle>(read(*record->value)); });
+}
+
 // The object behind a handle, or an empty shared_ptr for NULL.
 template <typename Handle>
 auto objectOf(const Handle* handle) -> decltype(handle->value) {
@@ -178,6 +186,30 @@ char* tavuro_resourceDirectory(void) {
 }
 
 // ---------------------------------------------------------------------------
+// Reference counting of every handle type
+// ---------------------------------------------------------------------------
+
+#define TAVURO_C_REFERENCE_COUNTING(Type)                        \
+  tavuro_##Type* tavuro_##Type##_retain(tavuro_##Type* handle) { \
+    return retain(handle);                                       \
+  }                                                              \
+  void tavuro_##Type##_release(tavuro_##Type* handle) {          \
+    release(handle);                                             \
+  }
+TAVURO_C_REFERENCE_COUNTING(Picture)
+TAVURO_C_REFERENCE_COUNTING(ByteBuffer)
+TAVURO_C_REFERENCE_COUNTING(TavuroError)
+TAVURO_C_REFERENCE_COUNTING(TavuroInitializer)
+TAVURO_C_REFERENCE_COUNTING(Image)
+TAVURO_C_REFERENCE_COUNTING(JsonDictionary)
+TAVURO_C_REFERENCE_COUNTING(JsonArray)
+TAVURO_C_REFERENCE_COUNTING(JsonValue)
+TAVURO_C_REFERENCE_COUNTING(Endpoints)
+TAVURO_C_REFERENCE_COUNTING(TavuroJwtToken)
+TAVURO_C_REFERENCE_COUNTING(TavuroJwtParser)
+#undef TAVURO_C_REFERENCE_COUNTING
+
+// ---------------------------------------------------------------------------
 // Pictures and byte buffers
 // ---------------------------------------------------------------------------
 
@@ -210,13 +242,6 @@ const uint8_t* tavuro_Picture_pixels(const tavuro_Picture* picture, size_t* size
   const std::size_t count = picture != nullptr ? picture->value->pixels().size() : 0;
   if (size != nullptr) *size = count;
   return count != 0 ? picture->value->pixels().data() : nullptr;
-}
-
-tavuro_Picture* tavuro_Picture_retain(tavuro_Picture* picture) {
-  return retain(picture);
-}
-void tavuro_Picture_release(tavuro_Picture* picture) {
-  release(picture);
 }
 
 tavuro_ByteBuffer* tavuro_ByteBuffer_newInstance(void) {
@@ -256,13 +281,6 @@ bool tavuro_ByteBuffer_setLength(tavuro_ByteBuffer* buffer, size_t size) {
   });
 }
 
-tavuro_ByteBuffer* tavuro_ByteBuffer_retain(tavuro_ByteBuffer* buffer) {
-  return retain(buffer);
-}
-void tavuro_ByteBuffer_release(tavuro_ByteBuffer* buffer) {
-  release(buffer);
-}
-
 // ---------------------------------------------------------------------------
 // TavuroError and the error tables
 // ---------------------------------------------------------------------------
@@ -296,13 +314,6 @@ void tavuro_TavuroError_setErrorDescription(tavuro_TavuroError* error,
                                             const char* errorDescription) {
   if (error == nullptr) return;
   guardedVoid([&] { error->value->setErrorDescription(optionalText(errorDescription)); });
-}
-
-tavuro_TavuroError* tavuro_TavuroError_retain(tavuro_TavuroError* error) {
-  return retain(error);
-}
-void tavuro_TavuroError_release(tavuro_TavuroError* error) {
-  release(error);
 }
 
 #define TAVURO_C_CODE(name)                      \
@@ -402,13 +413,6 @@ void tavuro_TavuroInitializer_initializeWithPackages_callback(
   });
 }
 
-tavuro_TavuroInitializer* tavuro_TavuroInitializer_retain(tavuro_TavuroInitializer* initializer) {
-  return retain(initializer);
-}
-void tavuro_TavuroInitializer_release(tavuro_TavuroInitializer* initializer) {
-  release(initializer);
-}
-
 // ---------------------------------------------------------------------------
 // Image
 // ---------------------------------------------------------------------------
@@ -426,9 +430,7 @@ tavuro_Image* tavuro_Image_newInstanceWithImage_data(tavuro_Picture* image,
 }
 
 tavuro_Picture* tavuro_Image_image(const tavuro_Image* record) {
-  if (record == nullptr) return nullptr;
-  return guarded<tavuro_Picture*>(nullptr,
-                                  [&] { return wrap<tavuro_Picture>(record->value->image()); });
+  return shareField<tavuro_Picture>(record, [](const tavuro::Image& r) { return r.image(); });
 }
 
 void tavuro_Image_setImage(tavuro_Image* record, tavuro_Picture* image) {
@@ -436,9 +438,7 @@ void tavuro_Image_setImage(tavuro_Image* record, tavuro_Picture* image) {
 }
 
 tavuro_ByteBuffer* tavuro_Image_data(const tavuro_Image* record) {
-  if (record == nullptr) return nullptr;
-  return guarded<tavuro_ByteBuffer*>(
-      nullptr, [&] { return wrap<tavuro_ByteBuffer>(record->value->data()); });
+  return shareField<tavuro_ByteBuffer>(record, [](const tavuro::Image& r) { return r.data(); });
 }
 
 void tavuro_Image_setData(tavuro_Image* record, tavuro_ByteBuffer* data) {
@@ -454,9 +454,7 @@ void tavuro_Image_setDpi(tavuro_Image* record, int64_t dpi) {
 }
 
 tavuro_TavuroError* tavuro_Image_error(const tavuro_Image* record) {
-  if (record == nullptr) return nullptr;
-  return guarded<tavuro_TavuroError*>(
-      nullptr, [&] { return wrap<tavuro_TavuroError>(record->value->error()); });
+  return shareField<tavuro_TavuroError>(record, [](const tavuro::Image& r) { return r.error(); });
 }
 
 void tavuro_Image_setError(tavuro_Image* record, tavuro_TavuroError* error) {
@@ -508,13 +506,6 @@ void tavuro_Image_setIsPassport(tavuro_Image* record, bool isPassport) {
   if (record != nullptr) record->value->setIsPassport(isPassport);
 }
 
-tavuro_Image* tavuro_Image_retain(tavuro_Image* record) {
-  return retain(record);
-}
-void tavuro_Image_release(tavuro_Image* record) {
-  release(record);
-}
-
 // ---------------------------------------------------------------------------
 // Processing mode
 // ---------------------------------------------------------------------------
@@ -554,13 +545,6 @@ tavuro_JsonValue* tavuro_JsonDictionary_objectForKey(const tavuro_JsonDictionary
       nullptr, [&] { return wrap<tavuro_JsonValue>(dictionary->value.find(key)); });
 }
 
-tavuro_JsonDictionary* tavuro_JsonDictionary_retain(tavuro_JsonDictionary* dictionary) {
-  return retain(dictionary);
-}
-void tavuro_JsonDictionary_release(tavuro_JsonDictionary* dictionary) {
-  release(dictionary);
-}
-
 size_t tavuro_JsonArray_count(const tavuro_JsonArray* array) {
   return array != nullptr ? array->value.size() : 0;
 }
@@ -569,13 +553,6 @@ tavuro_JsonValue* tavuro_JsonArray_objectAtIndex(const tavuro_JsonArray* array, 
   if (array == nullptr || index >= array->value.size()) return nullptr;
   return guarded<tavuro_JsonValue*>(nullptr,
                                     [&] { return new tavuro_JsonValue(array->value[index]); });
-}
-
-tavuro_JsonArray* tavuro_JsonArray_retain(tavuro_JsonArray* array) {
-  return retain(array);
-}
-void tavuro_JsonArray_release(tavuro_JsonArray* array) {
-  release(array);
 }
 
 tavuro_JsonKind tavuro_JsonValue_kind(const tavuro_JsonValue* value) {
@@ -619,13 +596,6 @@ tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(const tavuro_JsonValue* 
   if (value == nullptr) return nullptr;
   return guarded<tavuro_JsonDictionary*>(
       nullptr, [&] { return wrap<tavuro_JsonDictionary>(value->value.dictionaryValue()); });
-}
-
-tavuro_JsonValue* tavuro_JsonValue_retain(tavuro_JsonValue* value) {
-  return retain(value);
-}
-void tavuro_JsonValue_release(tavuro_JsonValue* value) {
-  release(value);
 }
 
 // ---------------------------------------------------------------------------
@@ -742,13 +712,6 @@ TAVURO_C_ENDPOINT(healthInsuranceEndpoint, setHealthInsuranceEndpoint)
 TAVURO_C_ENDPOINT(kelmoEndpoint, setKelmoEndpoint)
 #undef TAVURO_C_ENDPOINT
 
-tavuro_Endpoints* tavuro_Endpoints_retain(tavuro_Endpoints* endpoints) {
-  return retain(endpoints);
-}
-void tavuro_Endpoints_release(tavuro_Endpoints* endpoints) {
-  release(endpoints);
-}
-
 // ---------------------------------------------------------------------------
 // Tokens
 // ---------------------------------------------------------------------------
@@ -773,13 +736,6 @@ double tavuro_TavuroJwtToken_expiration(const tavuro_TavuroJwtToken* token) {
 bool tavuro_TavuroJwtToken_isValid(const tavuro_TavuroJwtToken* token) {
   if (token == nullptr) return false;
   return guarded(false, [&] { return token->value->isValid(); });
-}
-
-tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_retain(tavuro_TavuroJwtToken* token) {
-  return retain(token);
-}
-void tavuro_TavuroJwtToken_release(tavuro_TavuroJwtToken* token) {
-  release(token);
 }
 
 tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_init(void) {
@@ -817,13 +773,6 @@ tavuro_JsonDictionary* tavuro_TavuroJwtParser_decodeJWTPart(const tavuro_TavuroJ
   if (parser == nullptr || segment == nullptr) return nullptr;
   return guarded<tavuro_JsonDictionary*>(
       nullptr, [&] { return wrap<tavuro_JsonDictionary>(parser->value->decodeJWTPart(segment)); });
-}
-
-tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_retain(tavuro_TavuroJwtParser* parser) {
-  return retain(parser);
-}
-void tavuro_TavuroJwtParser_release(tavuro_TavuroJwtParser* parser) {
-  release(parser);
 }
 
 // ---------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 import base64
 import json
 import os
+import plistlib
 import subprocess
 import sys
 import tempfile
@@ -52,6 +53,16 @@ def main(argv):
         clean = write(os.path.join(work, "clean", "TavuroConfig.plist"),
                       plist(tavuro_username="u", tavuro_password="p", frm_endpoint="https://f/"))
         malformed = write(os.path.join(work, "bad.plist"), "<plist><dict><key>a</key></plist>")
+        kept = write(os.path.join(work, "kept.plist"),
+                     plist(tavuro_username="u", tavuro_password="", passive_liveness_endpoint="https://p/",
+                           med_endpoint="<integer>1</integer>"))
+        binary = {}
+        for name, extra in (("clean", {}), ("mixed", {"frm_endpoint": 1, "x": [1]})):
+            binary[name] = os.path.join(work, name + ".bplist")
+            with open(binary[name], "wb") as f:
+                plistlib.dump(dict(tavuro_username="u", tavuro_password="p", **extra), f,
+                              fmt=plistlib.FMT_BINARY)
+        huge_exp = "e30." + base64.urlsafe_b64encode(b'{"exp":9223372036854775807}').decode().rstrip("=")
         answer = write(os.path.join(work, "answer.json"),
                        '{"n": 12, "x": 12.5, "s": "text", "ok": true, "list": [1, 2], "o": {"k": 1}}')
         samples = os.path.join(os.environ.get("TAVURO_SOURCE_DIR", ""), "examples", "host", "resources")
@@ -79,6 +90,8 @@ def main(argv):
              and json.loads(out)["expiresUtc"] == "1970-01-01T00:00:01Z"),
             (["jwt", "x.!!!.y"], 1, 'no usable "exp"'),
             (["jwt", "no-dot"], 1, ""),
+            (["jwt", huge_exp, "--json"], 0, lambda out: json.loads(out)["exp"] == 2**63 - 1
+             and json.loads(out)["valid"] is True and json.loads(out)["secondsLeft"] > 0),
             (["jwt", "a.b", "--bogus"], 2, ""),
             (["header", "--resources", res], 0, basic + "\n"),
             (["header", "--resources", res, "--token", LIVE], 0, "Bearer " + LIVE + "\n"),
@@ -96,6 +109,11 @@ def main(argv):
             (["config", "check", config, "--json"], 1,
              lambda out: {f["key"] for f in json.loads(out)["findings"] if f["lost"]} == {"other", "kelmo_endpoint"}),
             (["config", "check", malformed], 1, "LOST"),
+            (["config", "check", kept, "--json"], 1,
+             lambda out: {(f["key"], f["lost"]) for f in json.loads(out)["findings"] if f["key"]} == {
+                 ("passive_liveness_endpoint", True), ("med_endpoint", True), ("tavuro_password", False)}),
+            (["config", "check", binary["clean"]], 0, "Nothing in this file is lost."),
+            (["config", "check", binary["mixed"]], 1, "LOST 2 value(s) that are not texts"),
             (["config", "show", "--resources", res, "--json"], 0, config_json),
             (["config", "set", "kelmo_endpoint", "x", "--resources", res], 1, ""),
             (["config", "set", "nonsense", "x", "--resources", res], 2, ""),

@@ -161,13 +161,15 @@ std::string formatLocal(std::int64_t seconds) {
 }
 
 std::string formatDuration(std::int64_t seconds) {
-  if (seconds < 0) seconds = -seconds;
-  const std::int64_t units[] = {86400, 3600, 60, 1};
+  // The magnitude as unsigned, so that the most negative value has one too.
+  std::uint64_t left = static_cast<std::uint64_t>(seconds);
+  if (seconds < 0) left = 0 - left;
+  const std::uint64_t units[] = {86400, 3600, 60, 1};
   const char* names[] = {"d", "h", "m", "s"};
   std::string out;
   for (int i = 0; i < 4; ++i) {
-    const std::int64_t count = seconds / units[i];
-    seconds %= units[i];
+    const std::uint64_t count = left / units[i];
+    left %= units[i];
     if (count == 0 && !(i == 3 && out.empty())) continue;
     if (!out.empty()) out += ' ';
     out += numberText(count) + names[i];

@@ -140,7 +140,9 @@ std::set<std::string> xmlRootKeys(std::string_view xml) {
         --depth;
       else if (!empty)
         ++depth;
-    } else if (name == "key" && !ending && !empty && depth == 1) {
+    } else if (name == "key" && !ending && empty && depth == 1) {
+      keys.insert("");
+    } else if (name == "key" && !ending && depth == 1) {
       const std::size_t end = xml.find("</key>", close);
       if (end == std::string_view::npos) break;
       keys.insert(decodeXmlText(xml.substr(close + 1, end - close - 1)));
@@ -170,35 +172,26 @@ std::set<std::string> keysInFile(const std::string& path) {
 // ---------------------------------------------------------------------------
 
 struct Finding {
-  std::string key;
-  bool lost;  // false: a note that costs nothing
+  std::optional<std::string> key;  // nullopt: about the whole file
+  bool lost;                       // false: a note that costs nothing
   std::string message;
 };
 
 void checkEntry(const std::string& key, bool isText, std::vector<Finding>& findings) {
   const KnownKey* known = findKnownKey(key);
-  if (!isText) {
-    if (!known) {
-      findings.push_back({key, true, "unknown key: ignored when read, lost at the first save"});
-    } else if (key == "kelmo_endpoint") {
-      findings.push_back({key, true,
-                          "value is not a text: reads as absent, so the built-in "
-                          "default applies"});
-    } else {
-      findings.push_back({key, true, "value is not a text: reads as absent"});
-    }
-    return;
-  }
+  const bool kelmo = key == "kelmo_endpoint";
   if (!known) {
     findings.push_back({key, true, "unknown key: ignored when read, lost at the first save"});
-  } else if (key == "passive_liveness_endpoint") {
+  } else if (!isText) {
     findings.push_back({key, true,
-                        "read, but never saved: the first save drops it and later "
-                        "starts read it as absent"});
-  } else if (key == "kelmo_endpoint") {
+                        std::string("value is not a text: reads as absent") +
+                            (kelmo ? ", so the built-in default applies" : "") +
+                            ", and the first save drops it"});
+  } else if (!known->saved) {
     findings.push_back({key, true,
-                        "read, but never saved: the first save drops it and later "
-                        "starts use the built-in default"});
+                        std::string("read, but never saved: the first save drops it and later "
+                                    "starts ") +
+                            (kelmo ? "use the built-in default" : "read it as absent")});
   }
 }
 
@@ -210,9 +203,35 @@ void checkCredentials(const StringDictionary& view, std::vector<Finding>& findin
                         "isCredentialValid is false without a token"});
   }
   if (view.count("tavuro_username") == 0 || password == view.end()) {
-    findings.push_back({"tavuro_username", false,
+    findings.push_back({std::nullopt, false,
                         "user name or password absent: no Basic header until a token is stored"});
   }
+}
+
+// The number of entries of a binary property list's root dictionary, which
+// the reader has accepted (so the trailer and the root are sound; the bounds
+// are checked all the same).
+std::optional<std::uint64_t> binaryRootEntryCount(std::string_view bytes) {
+  constexpr std::size_t kTrailer = 32;
+  const auto number = [&](std::uint64_t at, std::uint64_t width) -> std::optional<std::uint64_t> {
+    if (width > 8 || at > bytes.size() || width > bytes.size() - at) return std::nullopt;
+    std::uint64_t value = 0;
+    for (std::uint64_t i = 0; i < width; ++i) value = (value << 8) | std::uint8_t(bytes[at + i]);
+    return value;
+  };
+  if (bytes.size() < 8 + kTrailer) return std::nullopt;
+  const std::size_t trailer = bytes.size() - kTrailer;
+  const std::uint64_t offsetSize = std::uint8_t(bytes[trailer + 6]);
+  const auto top = number(trailer + 16, 8);
+  const auto table = number(trailer + 24, 8);
+  if (!top || !table || *top > bytes.size()) return std::nullopt;
+  const auto root = number(*table + *top * offsetSize, offsetSize);
+  const auto marker = root ? number(*root, 1) : std::nullopt;
+  if (!marker) return std::nullopt;
+  if ((*marker & 0xF) != 0xF) return *marker & 0xF;
+  // A longer count follows as an integer object of 2^n bytes.
+  const auto countMarker = number(*root + 1, 1);
+  return countMarker ? number(*root + 2, std::uint64_t{1} << (*countMarker & 0xF)) : std::nullopt;
 }
 
 const char kCheckHelp[] =
@@ -233,7 +252,7 @@ int runCheck(const std::vector<std::string>& words) {
   const std::optional<StringDictionary> view = platform::readPlistStringDictionary(*bytes);
   const bool binary = bytes->compare(0, 8, "bplist00") == 0;
   if (!view) {
-    findings.push_back({"", true,
+    findings.push_back({std::nullopt, true,
                         "not a property list with a dictionary at its root: the store "
                         "loads nothing and the first save replaces the whole file"});
   } else {
@@ -244,14 +263,19 @@ int runCheck(const std::vector<std::string>& words) {
   }
   const std::string name = path.substr(path.find_last_of('/') + 1);
   if (name != kConfigFileName) {
-    findings.push_back({"", false,
+    findings.push_back({std::nullopt, false,
                         std::string("the store reads only a file named ") + kConfigFileName +
                             " in its resource directory"});
   }
   if (view && binary) {
-    findings.push_back({"", false,
-                        "binary form: entries whose values are not texts are not "
-                        "listed"});
+    // The scan of keys reads the XML form only; here the count tells.
+    const std::uint64_t entries = binaryRootEntryCount(*bytes).value_or(view->size());
+    if (entries > view->size()) {
+      findings.push_back({std::nullopt, true,
+                          std::to_string(entries - view->size()) +
+                              " value(s) that are not texts (binary form: keys not shown): "
+                              "read as absent, and the first save drops them"});
+    }
   }
 
   bool lost = false;
@@ -259,8 +283,7 @@ int runCheck(const std::vector<std::string>& words) {
   if (arguments.has("--json")) {
     std::string items;
     for (const Finding& f : findings) {
-      items += std::string(items.empty() ? "" : ",") +
-               "{\"key\":" + (f.key.empty() ? "null" : jsonQuote(f.key)) +
+      items += std::string(items.empty() ? "" : ",") + "{\"key\":" + jsonQuote(f.key) +
                ",\"lost\":" + (f.lost ? "true" : "false") + ",\"message\":" + jsonQuote(f.message) +
                "}";
     }
@@ -269,8 +292,8 @@ int runCheck(const std::vector<std::string>& words) {
                 items.c_str());
   } else {
     for (const Finding& f : findings) {
-      std::printf("%s %s%s%s\n", f.lost ? "LOST" : "note", f.key.c_str(), f.key.empty() ? "" : ": ",
-                  f.message.c_str());
+      const std::string key = !f.key ? "" : f.key->empty() ? "\"\": " : *f.key + ": ";
+      std::printf("%s %s%s\n", f.lost ? "LOST" : "note", key.c_str(), f.message.c_str());
     }
     std::printf("%s\n",
                 lost ? "Some settings are lost; see above." : "Nothing in this file is lost.");

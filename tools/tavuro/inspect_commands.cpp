@@ -2,6 +2,7 @@
 // token, the current credentials, one date field or one JSON answer.
 #include <chrono>
 #include <cstdio>
+#include <limits>
 #include <string>
 
 #include "cli.h"
@@ -25,6 +26,7 @@ const char kJwtHelp[] =
 struct TokenReport {
   JsonDictionary claims;
   std::shared_ptr<TavuroJwtToken> token;  // null without a usable "exp"
+  std::int64_t expiry = 0;                // the "exp" claim, when `token` is set
 };
 
 // The library stops the process on a text without "."; check first.
@@ -33,7 +35,25 @@ TokenReport decodeToken(const std::string& text) {
     throw std::runtime_error("not a JSON Web Token: the text has no \".\"");
   }
   const TavuroJwtParser parser;
-  return {parser.decode(text), parser.parseToken(text)};
+  TokenReport report{parser.decode(text), parser.parseToken(text)};
+  // The claim itself, exact: the token's double expiration cannot be cast
+  // back for claims near the ends of the 64-bit range.
+  if (report.token) report.expiry = Utils::getIntValue(report.claims, "exp");
+  return report;
+}
+
+// expiry - now, saturated at the ends of the 64-bit range.
+std::int64_t secondsLeft(std::int64_t expiry) {
+  const std::int64_t now = nowSeconds();
+  constexpr auto kMin = std::numeric_limits<std::int64_t>::min();
+  constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
+  if (now > 0 && expiry < kMin + now) return kMin;
+  if (now < 0 && expiry > kMax + now) return kMax;
+  return expiry - now;
+}
+
+std::string orBeyondCalendar(const std::string& time) {
+  return time.empty() ? "(beyond the calendar)" : time;
 }
 
 void printTokenText(const TokenReport& report) {
@@ -47,28 +67,28 @@ void printTokenText(const TokenReport& report) {
     std::printf("expires: no usable \"exp\" claim; the credential store refuses this token\n");
     return;
   }
-  const auto expiry =
-      static_cast<std::int64_t>(report.token->expiration().time_since_epoch().count());
-  const std::int64_t left = expiry - nowSeconds();
-  std::printf("expires: %s (UTC), %s (local)\n", formatUtc(expiry).c_str(),
-              formatLocal(expiry).c_str());
+  std::printf("expires: %s (UTC), %s (local)\n", orBeyondCalendar(formatUtc(report.expiry)).c_str(),
+              orBeyondCalendar(formatLocal(report.expiry)).c_str());
+  const std::string left = formatDuration(secondsLeft(report.expiry));
   if (report.token->isValid()) {
-    std::printf("valid now: yes, for %s\n", formatDuration(left).c_str());
+    std::printf("valid now: yes, for %s\n", left.c_str());
   } else {
-    std::printf("valid now: no, expired %s ago\n", formatDuration(left).c_str());
+    std::printf("valid now: no, expired %s ago\n", left.c_str());
   }
+}
+
+std::string jsonTextOrNull(const std::string& text) {
+  return text.empty() ? "null" : jsonQuote(text);
 }
 
 void printTokenJson(const TokenReport& report) {
   std::string out = "{\"claims\":" + toJsonText(report.claims);
   if (report.token) {
-    const auto expiry =
-        static_cast<std::int64_t>(report.token->expiration().time_since_epoch().count());
-    out += ",\"exp\":" + std::to_string(expiry) +
-           ",\"expiresUtc\":" + jsonQuote(formatUtc(expiry)) +
-           ",\"expiresLocal\":" + jsonQuote(formatLocal(expiry)) +
+    out += ",\"exp\":" + std::to_string(report.expiry) +
+           ",\"expiresUtc\":" + jsonTextOrNull(formatUtc(report.expiry)) +
+           ",\"expiresLocal\":" + jsonTextOrNull(formatLocal(report.expiry)) +
            ",\"valid\":" + (report.token->isValid() ? "true" : "false") +
-           ",\"secondsLeft\":" + std::to_string(expiry - nowSeconds());
+           ",\"secondsLeft\":" + std::to_string(secondsLeft(report.expiry));
   } else {
     out += ",\"exp\":null,\"valid\":false";
   }
