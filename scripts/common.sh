@@ -29,6 +29,25 @@ ensure_packages() {
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
+# run_ctest PRESET: runs a test preset and adds its counts to the totals
+# that the closing line of scripts/test reports.
+TAVURO_PASSED=0
+TAVURO_FAILED=0
+run_ctest() {
+  local log
+  log=$(mktemp)
+  local status=0
+  ctest --preset "$1" 2>&1 | tee "$log" || status=$?
+  local summary total failed
+  summary=$(grep -E "tests passed, [0-9]+ tests? failed out of [0-9]+" "$log" | tail -n 1)
+  rm -f "$log"
+  total=$(sed -E 's/.*out of ([0-9]+).*/\1/' <<<"$summary")
+  failed=$(sed -E 's/.*tests passed, ([0-9]+) tests? failed.*/\1/' <<<"$summary")
+  TAVURO_PASSED=$((TAVURO_PASSED + ${total:-0} - ${failed:-0}))
+  TAVURO_FAILED=$((TAVURO_FAILED + ${failed:-0}))
+  return "$status"
+}
+
 # build_preset NAME [extra cmake arguments...]
 build_preset() {
   local preset=$1
