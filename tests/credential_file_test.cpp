@@ -1,4 +1,5 @@
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -98,6 +99,40 @@ TEST(Credential, FailedSaveKeepsTheNewValueInMemoryOnly) {
   const SeamReset seam(failHalfWay);
   tavuro::Credential::setUsername("new");
   EXPECT_EQ(tavuro::Credential::username(), "new");
+  EXPECT_EQ(readWholeFile(dir.config()), original);
+  EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
+}
+
+// Runs `body` where the directory's permission bits really bind: as the
+// caller when it is not root, else in a child that has dropped to an
+// unprivileged user (root writes through permission bits). True when `body`
+// returned true.
+template <typename Body>
+bool runWithoutPrivileges(Body body) {
+  if (::geteuid() != 0) return body();
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const bool dropped = ::setgid(65534) == 0 && ::setuid(65534) == 0;
+    ::_exit(dropped && body() ? 0 : 1);
+  }
+  int status = 0;
+  return child > 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+         WEXITSTATUS(status) == 0;
+}
+
+TEST(Credential, ReadOnlyDirectoryKeepsTheFileAndTheNewValueInMemory) {
+  TempDir dir;
+  const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
+  dir.write("TavuroConfig.plist", original);
+  ::chmod(dir.config().c_str(), 0644);
+  ::chmod(dir.path().c_str(), 0555);
+  const bool keptInMemory = runWithoutPrivileges([&] {
+    tavuro::setResourceDirectory(dir.path());
+    tavuro::Credential::setUsername("new");
+    return tavuro::Credential::username() == std::optional<std::string>("new");
+  });
+  ::chmod(dir.path().c_str(), 0755);
+  EXPECT_TRUE(keptInMemory);
   EXPECT_EQ(readWholeFile(dir.config()), original);
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }

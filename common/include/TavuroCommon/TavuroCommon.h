@@ -48,7 +48,7 @@ using Instant = std::chrono::time_point<std::chrono::system_clock,
                                         std::chrono::duration<double>>;
 
 // ===========================================================================
-// Platform value types carried by records
+// Platform value types carried by records (implemented in platform/)
 // ===========================================================================
 
 /// A point on a picture, in pixels. A plain value; copy freely.
