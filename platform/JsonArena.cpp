@@ -10,6 +10,17 @@
 #include "platform/JsonDocument.h"
 #include "platform/NoDestructor.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define TAVURO_JSON_POISON_POOL 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TAVURO_JSON_POISON_POOL 1
+#endif
+#endif
+#if defined(TAVURO_JSON_POISON_POOL)
+#include <sanitizer/asan_interface.h>
+#endif
+
 namespace tavuro {
 namespace detail {
 
@@ -22,6 +33,21 @@ std::uint64_t processHashSeed() noexcept {
     return mixHash(address ^ 0x243F6A8885A308D3ULL, now ^ 0x13198A2E03707344ULL);
   }();
   return seed;
+}
+
+// Under AddressSanitizer the bytes of a pooled chunk are poisoned, so that a
+// node read through a value whose document is gone is still reported.
+inline void setPooled(NodeArena::Chunk* chunk, bool pooled) noexcept {
+#if defined(TAVURO_JSON_POISON_POOL)
+  if (pooled) {
+    ASAN_POISON_MEMORY_REGION(chunk + 1, chunk->size);
+  } else {
+    ASAN_UNPOISON_MEMORY_REGION(chunk + 1, chunk->size);
+  }
+#else
+  (void)chunk;
+  (void)pooled;
+#endif
 }
 
 // Full-size arena chunks of documents that are gone, kept for the next
@@ -44,6 +70,7 @@ class ChunkPool {
     if (chunk != nullptr) {
       free_ = chunk->next;
       --count_;
+      setPooled(chunk, false);
     }
     return chunk;
   }
@@ -61,6 +88,7 @@ class ChunkPool {
     std::lock_guard<std::mutex> lock(mutex_);
     while (list != nullptr && count_ < kMaxPooledChunks) {
       NodeArena::Chunk* next = list->next;
+      setPooled(list, true);
       list->next = free_;
       free_ = list;
       ++count_;

@@ -4,12 +4,13 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "json_test_support.h"
+#include "TavuroCommon/TavuroCommon.h"
 
 namespace tavuro {
 namespace {
@@ -26,37 +27,31 @@ struct Row {
 };
 
 // Every getter on every kind of stored value.
-const std::vector<Row>& rows() {
-  static const std::vector<Row> table{
-      {"missing", nullptr, 0, 0.0, "", false, false, false},
-      {"null", "null", 0, 0.0, "", false, false, false},
-      {"text12", "\"12\"", 0, 0.0, "12", false, false, false},
-      {"textTrue", "\"true\"", 0, 0.0, "true", false, false, false},
-      {"emptyText", "\"\"", 0, 0.0, "", false, false, false},
-      {"fraction", "12.5", 0, 12.5, "", false, false, false},
-      {"integer", "12", 12, 12.0, "", false, false, false},
-      {"wholeDouble", "12.0", 12, 12.0, "", false, false, false},
-      {"negativeZero", "-0.0", 0, -0.0, "", false, false, false},
-      {"tooBigForInt", "1e19", 0, 1e19, "", false, false, false},
-      {"minusTooBig", "-1e19", 0, -1e19, "", false, false, false},
-      {"int64Min", "-9223372036854775808", std::numeric_limits<std::int64_t>::min(),
-       -9223372036854775808.0, "", false, false, false},
-      {"int64Max", "9223372036854775807", std::numeric_limits<std::int64_t>::max(), 0.0, "", false,
-       false, false},
-      {"uint64Max", "18446744073709551615", 0, 0.0, "", false, false, false},
-      {"twoTo53Plus1", "9007199254740993", 9007199254740993, 0.0, "", false, false, false},
-      {"twoTo53", "9007199254740992", 9007199254740992, 9007199254740992.0, "", false, false,
-       false},
-      {"true", "true", 0, 0.0, "", true, false, false},
-      {"false", "false", 0, 0.0, "", false, false, false},
-      {"one", "1", 1, 1.0, "", false, false, false},
-      {"object", "{\"k\":1}", 0, 0.0, "", false, true, false},
-      {"array", "[1,\"x\"]", 0, 0.0, "", false, false, true},
-      {"Name", "\"upper\"", 0, 0.0, "upper", false, false, false},
-      {"name", nullptr, 0, 0.0, "", false, false, false},  // keys are case-sensitive
-  };
-  return table;
-}
+const std::vector<Row> kRows{
+    {"missing", nullptr, 0, 0.0, "", false, false, false},
+    {"null", "null", 0, 0.0, "", false, false, false},
+    {"text12", "\"12\"", 0, 0.0, "12", false, false, false},
+    {"textTrue", "\"true\"", 0, 0.0, "true", false, false, false},
+    {"fraction", "12.5", 0, 12.5, "", false, false, false},
+    {"integer", "12", 12, 12.0, "", false, false, false},
+    {"wholeDouble", "12.0", 12, 12.0, "", false, false, false},
+    {"negativeZero", "-0.0", 0, -0.0, "", false, false, false},
+    {"tooBigForInt", "1e19", 0, 1e19, "", false, false, false},
+    {"minusTooBig", "-1e19", 0, -1e19, "", false, false, false},
+    {"int64Min", "-9223372036854775808", std::numeric_limits<std::int64_t>::min(),
+     -9223372036854775808.0, "", false, false, false},
+    {"int64Max", "9223372036854775807", std::numeric_limits<std::int64_t>::max(), 0.0, "", false,
+     false, false},
+    {"uint64Max", "18446744073709551615", 0, 0.0, "", false, false, false},
+    {"twoTo53Plus1", "9007199254740993", 9007199254740993, 0.0, "", false, false, false},
+    {"twoTo53", "9007199254740992", 9007199254740992, 9007199254740992.0, "", false, false, false},
+    {"true", "true", 0, 0.0, "", true, false, false},
+    {"one", "1", 1, 1.0, "", false, false, false},
+    {"object", "{\"k\":1}", 0, 0.0, "", false, true, false},
+    {"array", "[1,\"x\"]", 0, 0.0, "", false, false, true},
+    {"Name", "\"upper\"", 0, 0.0, "upper", false, false, false},
+    {"name", nullptr, 0, 0.0, "", false, false, false},  // keys are case-sensitive
+};
 
 void expectRow(const std::optional<JsonDictionary>& dictionary, const Row& row,
                const std::string& context) {
@@ -68,17 +63,13 @@ void expectRow(const std::optional<JsonDictionary>& dictionary, const Row& row,
   EXPECT_EQ(std::signbit(number), std::signbit(row.asDouble));
   EXPECT_EQ(Utils::getStringValue(dictionary, key), row.asString);
   EXPECT_EQ(Utils::getBooleanValue(dictionary, key), row.asBool);
-  EXPECT_EQ(Utils::getObjectValue(dictionary, key).has_value(), row.isObject);
-  const auto array = Utils::getArrayValue(dictionary, key);
-  const auto sameArray = Utils::getArrayValueFromJson(dictionary, key);
-  ASSERT_EQ(array.has_value(), row.isArray);
-  ASSERT_EQ(sameArray.has_value(), row.isArray);
-  if (row.isArray) {
-    EXPECT_EQ(array->size(), 2U);
-    EXPECT_EQ(testing::describe((*sameArray)[1]), "\"x\"");  // elements come back unconverted
-  }
-  if (row.isObject) {
-    EXPECT_EQ(Utils::getIntValue(Utils::getObjectValue(dictionary, key), "k"), 1);
+  const std::optional<JsonDictionary> object = Utils::getObjectValue(dictionary, key);
+  ASSERT_EQ(object.has_value(), row.isObject);
+  EXPECT_EQ(Utils::getIntValue(object, "k"), row.isObject ? 1 : 0);
+  for (const auto& array :
+       {Utils::getArrayValue(dictionary, key), Utils::getArrayValueFromJson(dictionary, key)}) {
+    EXPECT_EQ(array.has_value(), row.isArray);
+    EXPECT_EQ(array && (*array)[1].stringValue() == "x", row.isArray);  // elements unconverted
   }
 }
 
@@ -86,7 +77,7 @@ TEST(UtilsGetters, ConvertOnlyTheirOwnKindAndExactNumbers) {
   // Each value alone in a small dictionary, then all together with padding
   // so that the lookup goes through the hash index.
   std::string all = "{";
-  for (const Row& row : rows()) {
+  for (const Row& row : kRows) {
     if (row.json == nullptr) continue;
     expectRow(Utils::convertToDictionary("{\"" + std::string(row.key) + "\":" + row.json + "}"),
               row, "alone");
@@ -96,10 +87,9 @@ TEST(UtilsGetters, ConvertOnlyTheirOwnKindAndExactNumbers) {
   all.back() = '}';
   const std::optional<JsonDictionary> dictionary = Utils::convertToDictionary(all);
   ASSERT_TRUE(dictionary);
-  for (const Row& row : rows()) expectRow(dictionary, row, "together");
-  for (const Row& row : rows())
-    expectRow(std::nullopt, Row{row.key, nullptr, 0, 0.0, "", false, false, false}, "absent");
-  expectRow(JsonDictionary(), rows()[0], "empty");
+  for (const Row& row : kRows) expectRow(dictionary, row, "together");
+  expectRow(std::nullopt, kRows[0], "absent");
+  expectRow(JsonDictionary(), kRows[0], "empty");
 }
 
 TEST(UtilsConvertToDictionary, PrintsOneLineOnlyForUnreadableText) {
@@ -118,17 +108,13 @@ TEST(UtilsConvertToDictionary, PrintsOneLineOnlyForUnreadableText) {
     const std::optional<JsonDictionary> result = Utils::convertToDictionary(c.text);
     std::fflush(stdout);
     const std::string printed = ::testing::internal::GetCapturedStdout();
-    const std::string label = c.text ? *c.text : "(absent)";
-    EXPECT_EQ(result.has_value(), c.gives) << label;
-    if (!c.printsLine) {
-      EXPECT_EQ(printed, "") << label;
-      continue;
-    }
-    ASSERT_FALSE(printed.empty()) << label;
-    EXPECT_EQ(printed.find('\n'), printed.size() - 1) << label << ": " << printed;
-    EXPECT_NE(printed.find("line 1, column"), std::string::npos) << printed;
+    SCOPED_TRACE(c.text.value_or("(absent)") + " printed " + printed);
+    EXPECT_EQ(result.has_value(), c.gives);
+    EXPECT_EQ(result && result->empty(), c.text == "{}");
+    EXPECT_EQ(printed.find('\n'), c.printsLine ? printed.size() - 1 : std::string::npos);
+    EXPECT_EQ(printed.find("line 1, column") != std::string::npos, c.printsLine);
+    EXPECT_EQ(printed.empty(), !c.printsLine);
   }
-  EXPECT_TRUE(Utils::convertToDictionary("{}")->empty());
 }
 
 }  // namespace
