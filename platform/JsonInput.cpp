@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/Utf8.h"
+
 namespace tavuro::platform {
 namespace {
 
@@ -38,24 +40,6 @@ DetectedEncoding detectEncoding(std::string_view bytes) {
   return {Encoding::Utf8, 0};
 }
 
-char* appendUtf8(std::uint32_t cp, char* out) {
-  if (cp < 0x80) {
-    *out++ = static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    *out++ = static_cast<char>(0xC0 | (cp >> 6));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  } else if (cp < 0x10000) {
-    *out++ = static_cast<char>(0xE0 | (cp >> 12));
-    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    *out++ = static_cast<char>(0xF0 | (cp >> 18));
-    *out++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  }
-  return out;
-}
 
 struct Conversion {
   std::size_t written;
@@ -94,7 +78,7 @@ Conversion convertToUtf8(std::string_view units, Encoding encoding, char* out) {
         cp = 0x10000 + ((cp - 0xD800) << 10) + (low - 0xDC00);
         i += 2;
       }
-      out = appendUtf8(cp, out);
+      out = encodeUtf8(cp, out);
     }
     return result(i == n);
   }
@@ -107,7 +91,7 @@ Conversion convertToUtf8(std::string_view units, Encoding encoding, char* out) {
                                        (std::uint32_t{in[i + 2]} << 16) |
                                        (std::uint32_t{in[i + 1]} << 8) | in[i];
     if (cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return result(false);
-    out = appendUtf8(cp, out);
+    out = encodeUtf8(cp, out);
   }
   return result(i == n);
 }

@@ -32,6 +32,7 @@
 #include "platform/Json.h"
 #include "platform/JsonDocument.h"
 #include "platform/JsonInput.h"
+#include "platform/Utf8.h"
 
 namespace tavuro::platform {
 namespace {
@@ -205,46 +206,6 @@ inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
 #endif
 }
 
-/// Length of the well-formed UTF-8 character at `s` (whose first byte is
-/// 0x80 or above), or 0. Rejects overlong forms, surrogates, code points
-/// above U+10FFFF and truncated sequences.
-inline unsigned utf8SequenceLength(const char* text) noexcept {
-  const auto* s = reinterpret_cast<const unsigned char*>(text);
-  const unsigned lead = s[0];
-  const auto isContinuation = [](unsigned c) { return (c & 0xC0U) == 0x80U; };
-  if (lead < 0xC2) return 0;
-  if (lead < 0xE0) return isContinuation(s[1]) ? 2 : 0;
-  if (lead < 0xF0) {
-    const unsigned low = lead == 0xE0 ? 0xA0 : 0x80;
-    const unsigned high = lead == 0xED ? 0x9F : 0xBF;
-    return s[1] >= low && s[1] <= high && isContinuation(s[2]) ? 3 : 0;
-  }
-  if (lead < 0xF5) {
-    const unsigned low = lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = lead == 0xF4 ? 0x8F : 0xBF;
-    return s[1] >= low && s[1] <= high && isContinuation(s[2]) && isContinuation(s[3]) ? 4 : 0;
-  }
-  return 0;
-}
-
-inline char* encodeUtf8(std::uint32_t cp, char* out) noexcept {
-  if (cp < 0x80) {
-    *out++ = static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    *out++ = static_cast<char>(0xC0 | (cp >> 6));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  } else if (cp < 0x10000) {
-    *out++ = static_cast<char>(0xE0 | (cp >> 12));
-    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    *out++ = static_cast<char>(0xF0 | (cp >> 18));
-    *out++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-    *out++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    *out++ = static_cast<char>(0x80 | (cp & 0x3F));
-  }
-  return out;
-}
 
 // ---------------------------------------------------------------------------
 // Numbers
@@ -547,7 +508,8 @@ bool Reader::readString() {
     if (c == '\\') {
       if (!readEscape(src, dst)) return false;
     } else if (c >= 0x80) {
-      const unsigned length = utf8SequenceLength(src);
+      // The zero padding after the text keeps four bytes readable here.
+      const unsigned length = utf8SequenceLength(src, 4);
       if (length == 0) return fail(JsonErrorKind::InvalidUtf8, src);
       if (dst != src) moveShort(dst, src, length);
       src += length;

@@ -74,23 +74,4 @@ std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary) 
   return out;
 }
 
-void appendUtf8(std::string& out, char32_t codePoint) {
-  const auto byte = [](char32_t bits) { return static_cast<char>(bits); };
-  if (codePoint < 0x80) {
-    out += byte(codePoint);
-  } else if (codePoint < 0x800) {
-    out += byte(0xC0 | (codePoint >> 6));
-    out += byte(0x80 | (codePoint & 0x3F));
-  } else if (codePoint < 0x10000) {
-    out += byte(0xE0 | (codePoint >> 12));
-    out += byte(0x80 | ((codePoint >> 6) & 0x3F));
-    out += byte(0x80 | (codePoint & 0x3F));
-  } else {
-    out += byte(0xF0 | (codePoint >> 18));
-    out += byte(0x80 | ((codePoint >> 12) & 0x3F));
-    out += byte(0x80 | ((codePoint >> 6) & 0x3F));
-    out += byte(0x80 | (codePoint & 0x3F));
-  }
-}
-
 }  // namespace tavuro::platform

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/PlistFormats.h"
+#include "platform/Utf8.h"
 
 namespace tavuro::platform {
 

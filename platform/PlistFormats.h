@@ -24,10 +24,6 @@ std::optional<PlistStringDictionary> readXmlPlistStringDictionary(std::string_vi
 /// The binary form, starting with the "bplist00" magic.
 std::optional<PlistStringDictionary> readBinaryPlistStringDictionary(std::string_view bytes);
 
-/// Appends the UTF-8 encoding of a Unicode scalar value (no surrogates, at
-/// most U+10FFFF; the caller checks).
-void appendUtf8(std::string& out, char32_t codePoint);
-
 }  // namespace tavuro::platform
 
 #endif  // TAVURO_PLATFORM_PLISTFORMATS_H_

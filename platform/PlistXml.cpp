@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/PlistFormats.h"
+#include "platform/Utf8.h"
 
 namespace tavuro::platform {
 
@@ -49,44 +50,6 @@ std::string_view trimXmlSpace(std::string_view text) {
   while (!text.empty() && isXmlSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
   return text;
-}
-
-/// Well-formed UTF-8: no overlong forms, no encoded surrogates, nothing
-/// above U+10FFFF, no truncated sequences.
-bool isValidUtf8(std::string_view bytes) {
-  std::size_t i = 0;
-  while (i < bytes.size()) {
-    const auto lead = static_cast<unsigned char>(bytes[i]);
-    if (lead < 0x80) {
-      ++i;
-      continue;
-    }
-    std::size_t length = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;  // bounds of the second byte
-    if (lead >= 0xC2 && lead <= 0xDF) {
-      length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-      length = 3;
-      if (lead == 0xE0) low = 0xA0;   // overlong
-      if (lead == 0xED) high = 0x9F;  // surrogates
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-      length = 4;
-      if (lead == 0xF0) low = 0x90;   // overlong
-      if (lead == 0xF4) high = 0x8F;  // above U+10FFFF
-    } else {
-      return false;
-    }
-    if (bytes.size() - i < length) return false;
-    const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    if (second < low || second > high) return false;
-    for (std::size_t k = 2; k < length; ++k) {
-      const auto next = static_cast<unsigned char>(bytes[i + k]);
-      if (next < 0x80 || next > 0xBF) return false;
-    }
-    i += length;
-  }
-  return true;
 }
 
 /// Decimal or 0x-prefixed hexadecimal with an optional sign, within the
