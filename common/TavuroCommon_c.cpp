@@ -656,11 +656,8 @@ tavuro_JsonArray* tavuro_Utils_getArrayValueWithJsonDict_key(const tavuro_JsonDi
 
 tavuro_JsonArray* tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(
     const tavuro_JsonDictionary* jsonDict, const char* key) {
-  if (key == nullptr) return nullptr;
-  return guarded<tavuro_JsonArray*>(nullptr, [&] {
-    return wrap<tavuro_JsonArray>(
-        tavuro::Utils::getArrayValueFromJson(optionalDictionary(jsonDict), key));
-  });
+  // The two array getters are one behaviour under two names.
+  return tavuro_Utils_getArrayValueWithJsonDict_key(jsonDict, key);
 }
 
 char* tavuro_Utils_dateFieldToDateStringWithDateStr(const char* dateStr) {
