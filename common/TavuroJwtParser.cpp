@@ -51,9 +51,9 @@ JsonDictionary TavuroJwtParser::decode(const std::string& jwtToken) const {
   const std::optional<std::string> payload = payloadSegment(jwtToken);
   // A deliberate, unchecked precondition: callers make sure of the ".".
   if (!payload) stopOnTokenWithoutSeparator();
-  const auto bytes = base64UrlDecode(*payload);
-  if (!bytes) return JsonDictionary();
-  return objectFromJson(*bytes).value_or(JsonDictionary());
+  // The same steps as decodeJWTPart, but not through it: an override of
+  // that member does not change how a whole token decodes.
+  return objectFromSegment(*payload).value_or(JsonDictionary());
 }
 
 std::optional<std::vector<std::uint8_t>> TavuroJwtParser::base64UrlDecode(
@@ -75,6 +75,10 @@ std::optional<std::vector<std::uint8_t>> TavuroJwtParser::base64UrlDecode(
 }
 
 std::optional<JsonDictionary> TavuroJwtParser::decodeJWTPart(const std::string& segment) const {
+  return objectFromSegment(segment);
+}
+
+std::optional<JsonDictionary> TavuroJwtParser::objectFromSegment(const std::string& segment) const {
   const auto bytes = base64UrlDecode(segment);
   if (!bytes) return std::nullopt;
   return objectFromJson(*bytes);

@@ -732,6 +732,8 @@ class TAVURO_EXPORT TavuroJwtParser {
   /// not decode or does not hold a JSON object.
   virtual std::optional<JsonDictionary> decodeJWTPart(
       const std::string& segment) const;
+ private:
+  std::optional<JsonDictionary> objectFromSegment(const std::string& segment) const;
 };
 
 /// Names the directory that stands for the host's resource bundle: the
