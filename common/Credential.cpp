@@ -63,19 +63,25 @@ namespace detail {
 
 const char* const kKelmoDefaultEndpoint = TAVURO_KELMO_DEFAULT_ENDPOINT;
 
-CredentialFields loadCredentialFile(const std::string& path) {
+CredentialFields credentialFieldsFrom(std::string_view bytes) {
   CredentialFields fields;
-  const std::optional<std::string> bytes = platform::readWholeFile(path);
-  if (!bytes) return fields;
   // The reader keeps only text values, so a key holding a number, date or
   // dictionary reads as missing, which is exactly the rule for such keys.
-  const std::optional<StringDictionary> dictionary = platform::readPlistStringDictionary(*bytes);
+  const std::optional<StringDictionary> dictionary = platform::readPlistStringDictionary(bytes);
   if (!dictionary) return fields;
   fields.endpoints = endpointsFrom(*dictionary);
   fields.username = textAt(*dictionary, kUsernameKey);
   fields.password = textAt(*dictionary, kPasswordKey);
   fields.subscription = textAt(*dictionary, kSubscriptionKey);
   return fields;
+}
+
+CredentialFields loadCredentialFile(const std::string& path) {
+  // A save that a crash interrupted may have left a copy of the new
+  // credentials beside the file; it goes now, not at the next save.
+  platform::removeStaleTemporaries(path);
+  const std::optional<std::string> bytes = platform::readWholeFile(path, platform::kMaxPlistBytes);
+  return bytes ? credentialFieldsFrom(*bytes) : CredentialFields{};
 }
 
 StringDictionary credentialFileDictionary(const CredentialFields& fields) {
@@ -91,6 +97,10 @@ StringDictionary credentialFileDictionary(const CredentialFields& fields) {
     addWhenPresent(dictionary, kFrmKey, fields.endpoints->frmEndpoint());
   }
   return dictionary;
+}
+
+std::optional<std::string> credentialFileBytes(const CredentialFields& fields) {
+  return platform::writeFaithfulXmlPlist(credentialFileDictionary(fields));
 }
 
 std::size_t credentialLoadCount() noexcept { return g_loadCount.load(std::memory_order_acquire); }
@@ -144,9 +154,12 @@ void Credential::saveFile() const {
     if (!path) return;
     const detail::CredentialFields fields{tavuro_username_, tavuro_password_,
                                           tavuro_subscription_, tavuro_endpoints_};
+    // A state that no file can hold faithfully (text that is not UTF-8, a
+    // file past the reader's limit) is not written: the next start would
+    // reject the whole file. The old file stays, as after any failed save.
+    const std::optional<std::string> bytes = detail::credentialFileBytes(fields);
     // The outcome is ignored on purpose: the new value stays in memory.
-    platform::writeFileAtomically(
-        *path, platform::writeXmlPlist(detail::credentialFileDictionary(fields)));
+    if (bytes) platform::writeFileAtomically(*path, *bytes);
   } catch (...) {
     // As with a failed write: nothing is reported.
   }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "TavuroCommon/TavuroCommon.h"
 
@@ -26,13 +27,22 @@ struct CredentialFields {
   std::shared_ptr<Endpoints> endpoints;
 };
 
-/// Reads the configuration file at `path`. Every field is absent when the
-/// file cannot be read, is no property list or its root is no dictionary.
+/// What the configuration file `bytes` gives. Every field is absent when
+/// the bytes are no property list or its root is no dictionary.
+CredentialFields credentialFieldsFrom(std::string_view bytes);
+
+/// Reads the configuration file at `path` as `credentialFieldsFrom` does;
+/// every field is absent when the file cannot be read. Removes what crashed
+/// saves left beside it first.
 CredentialFields loadCredentialFile(const std::string& path);
 
 /// The dictionary a save writes: only the keys that are saved, each only
 /// when its value is present.
 std::map<std::string, std::string> credentialFileDictionary(const CredentialFields& fields);
+
+/// The file a save writes for `fields`; nullopt when no file would load
+/// back as the same fields (see platform::writeFaithfulXmlPlist).
+std::optional<std::string> credentialFileBytes(const CredentialFields& fields);
 
 /// How often the store has loaded itself in this process (once at most).
 std::size_t credentialLoadCount() noexcept;

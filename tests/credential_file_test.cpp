@@ -3,15 +3,19 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 #include <gtest/gtest.h>
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "credential_test_support.h"
+#include "common/CredentialFile.h"
 #include "platform/FileSystem.h"
 
 namespace {
 
+using tavuro::platform::AtomicWriteOptions;
+using tavuro::platform::AtomicWriteStep;
 using tavuro::platform::readWholeFile;
 using tavuro::platform::setWriteFunctionForTesting;
 using tavuro::platform::writeFileAtomically;
@@ -62,20 +66,92 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
   EXPECT_FALSE(writeFileAtomically("/nonexistent-tavuro-dir/target", "x"));
 }
 
-TEST(AtomicWrite, WritesEverythingAndKeepsPermissionBits) {
+TEST(AtomicWrite, WritesEverythingAndKeepsOwnerAndPermissionBits) {
   const std::string content(5000, 'y');
+  // Root may keep another user's file theirs; others own what they write.
+  const uid_t owner = ::geteuid() == 0 ? 65534 : ::geteuid();
+  const gid_t group = ::geteuid() == 0 ? 65534 : ::getegid();
   for (const mode_t mode : {0640, 0664, 0755}) {  // 0600 is what a new file gets anyway
     TempDir dir;
     dir.write("target", "old");
     ::chmod(dir.file("target").c_str(), mode);
+    ASSERT_EQ(::chown(dir.file("target").c_str(), owner, group), 0);
     g_calls = 0;
     const SeamReset seam(mode == 0640 ? interruptAndTrickle : nullptr);
-    ASSERT_TRUE(writeFileAtomically(dir.file("target"), content));
+    AtomicWriteOptions options;
+    options.unnamedTemporary = mode != 0664;
+    ASSERT_TRUE(writeFileAtomically(dir.file("target"), content, options));
     EXPECT_EQ(readWholeFile(dir.file("target")), content);
     struct stat info {};
     ASSERT_EQ(::stat(dir.file("target").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, mode);
+    EXPECT_EQ(info.st_uid, owner);
+    EXPECT_EQ(info.st_gid, group);
     EXPECT_EQ(dir.entries(), std::set<std::string>{"target"});
+  }
+}
+
+// Where the child writing in the crash test below is killed; none: mid-write.
+std::optional<AtomicWriteStep> g_crashStep;
+
+void killAt(AtomicWriteStep step) {
+  if (g_crashStep == step) ::raise(SIGKILL);
+}
+long writeHalfThenDie(int fd, const void* bytes, std::size_t count) {
+  static_cast<void>(::write(fd, bytes, count / 2));
+  ::raise(SIGKILL);
+  return -1;
+}
+
+TEST(AtomicWrite, ACrashAtAnyStepLeavesNoCopyOnceTheNextWriteIsDone) {
+  const std::string secret = "<dict><key>tavuro_password</key><string>s3cret</string></dict>";
+  for (const bool unnamed : {true, false}) {
+    for (const std::optional<AtomicWriteStep> crash :
+         {std::optional(AtomicWriteStep::kCreated), std::optional<AtomicWriteStep>(),
+          std::optional(AtomicWriteStep::kFlushed), std::optional(AtomicWriteStep::kNamed),
+          std::optional(AtomicWriteStep::kReplaced)}) {
+      SCOPED_TRACE(testing::Message() << "unnamed " << unnamed << ", crash at step "
+                                      << (crash ? static_cast<int>(*crash) : -1));
+      TempDir dir;
+      dir.write("target", "old");
+      dir.write("other", "kept");
+      ::chmod(dir.file("target").c_str(), 0640);
+      g_crashStep = crash;
+      for (int i = 0; i < 3; ++i) {  // a sequence of crashes
+        const pid_t child = ::fork();
+        if (child == 0) {
+          if (!crash) setWriteFunctionForTesting(writeHalfThenDie);
+          AtomicWriteOptions options;
+          options.atStep = killAt;
+          options.unnamedTemporary = unnamed;
+          writeFileAtomically(dir.file("target"), secret, options);
+          ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
+      }
+      EXPECT_EQ(readWholeFile(dir.file("target")), crash == AtomicWriteStep::kReplaced ? secret : "old");
+      std::set<std::string> left = dir.entries();
+      left.erase("target");
+      left.erase("other");
+      // An unnamed file has no name to leave before it is linked.
+      if (unnamed && crash != AtomicWriteStep::kNamed) {
+        EXPECT_TRUE(left.empty());
+      }
+      for (const std::string& name : left) {
+        struct stat info {};
+        ASSERT_EQ(::stat(dir.file(name).c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 07777 & ~0640U, 0U) << name;
+      }
+      // The next load or the next write removes what the crashes left.
+      if (unnamed) {
+        ASSERT_TRUE(writeFileAtomically(dir.file("target"), "new"));
+      } else {
+        tavuro::detail::loadCredentialFile(dir.file("target"));
+      }
+      EXPECT_EQ(dir.entries(), (std::set<std::string>{"other", "target"}));
+    }
   }
 }
 
@@ -100,6 +176,29 @@ TEST(Credential, FailedSaveKeepsTheNewValueInMemoryOnly) {
   tavuro::Credential::setUsername("new");
   EXPECT_EQ(tavuro::Credential::username(), "new");
   EXPECT_EQ(readWholeFile(dir.config()), original);
+  EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
+}
+
+TEST(Credential, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
+  TempDir dir;
+  const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
+  dir.write("TavuroConfig.plist", original);
+  tavuro::setResourceDirectory(dir.path());
+  const std::string faithful[] = {
+      "", "a\r\nb\r", "<&>]]>&amp;", std::string("nul\0inside", 10), "\x01\x7F\t",
+      "\xC3\xA9\xF0\x9F\x98\x80", std::string(1 << 20, 'p')};
+  for (const std::string& text : faithful) {
+    tavuro::Credential::setPassword(text);
+    EXPECT_EQ(tavuro::detail::loadCredentialFile(dir.config()).password, text);
+  }
+  const std::string lastSaved = *readWholeFile(dir.config());
+  const std::string unfaithful[] = {"pw-\xFF", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                                    "cut\xE2\x82", std::string((16 << 20) + 1, 'p')};
+  for (const std::string& text : unfaithful) {
+    tavuro::Credential::setPassword(text);
+    EXPECT_EQ(tavuro::Credential::password(), text);
+    EXPECT_EQ(readWholeFile(dir.config()), lastSaved);
+  }
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }
 

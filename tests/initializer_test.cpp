@@ -82,4 +82,41 @@ TEST(TavuroInitializer, ReleasesPackagesWhenDone) {
   EXPECT_TRUE(watch.expired());
 }
 
+// A package that changes the host's own list while it is being started.
+class MeddlingPackage : public ITavuroPackage {
+ public:
+  MeddlingPackage(Log& log, std::vector<std::shared_ptr<ITavuroPackage>>& hostList, bool clear)
+      : log_(log), hostList_(hostList), clear_(clear) {}
+  void initialize() override {
+    log_.events.push_back("meddler");
+    if (clear_) {
+      hostList_.clear();
+    } else {
+      for (int i = 0; i < 100; ++i) hostList_.push_back(hostList_.front());  // reallocates
+    }
+  }
+
+ private:
+  Log& log_;
+  std::vector<std::shared_ptr<ITavuroPackage>>& hostList_;
+  bool clear_;
+};
+
+TEST(TavuroInitializer, StartsTheListAsPassedWhateverAPackageDoesToIt) {
+  for (const bool clear : {false, true}) {
+    Log log;
+    std::vector<std::shared_ptr<ITavuroPackage>> list;
+    list.push_back(std::make_shared<MeddlingPackage>(log, list, clear));
+    list.push_back(std::make_shared<RecordingPackage>(log, "b"));
+    std::weak_ptr<ITavuroPackage> last = list.back();
+    int callbacks = 0;
+    TavuroInitializer().initialize(list, [&](auto) {
+      EXPECT_FALSE(last.expired());  // alive until the initializer is done with it
+      ++callbacks;
+    });
+    EXPECT_EQ(log.events, (std::vector<std::string>{"meddler", "b"}));
+    EXPECT_EQ(callbacks, 1);
+  }
+}
+
 }  // namespace

@@ -304,7 +304,10 @@ class TAVURO_EXPORT ITavuroInitializer {
 /// `initialize()` in list order (duplicates included, null entries skipped),
 /// each returning before the next starts, and then calls `callback` exactly
 /// once with no error, all before it returns. It keeps no state: a second
-/// call starts every package again.
+/// call starts every package again. It works on its own copy of `packages`:
+/// a package that changes or clears the caller's vector from `initialize()`
+/// changes nothing of the run, and every package of the list as passed is
+/// kept alive until the callback has returned.
 ///
 /// Thread safety: stateless; runs entirely on the calling thread.
 class TAVURO_EXPORT TavuroInitializer : public ITavuroInitializer {
@@ -785,10 +788,20 @@ TAVURO_EXPORT std::string resourceDirectory();
 /// from `endpoints()` reaches the file with the next setter call.
 ///
 /// A save writes a new file beside the old one, flushes it, gives it the old
-/// file's permission bits and renames it over the old one, so the file is
-/// never left half written and no temporary file stays behind. A failed
-/// write is not reported; the new value stays in memory. The token is never
-/// written. Saving needs a POSIX system; elsewhere changes stay in memory.
+/// file's owner (where the process may set it, as root may) and permission
+/// bits, and renames it over the old one, so the file is never left half
+/// written. While it is written the new file is readable by its owner only
+/// (0600). On Linux it has no name until just before the rename, so a crash
+/// of the process leaves nothing behind; elsewhere, or in that last moment,
+/// a crash can leave one hidden ".TavuroConfig.plist.tmp-..." file holding
+/// the new values, which the next load or save of any process removes.
+///
+/// A save never writes a file that would not load back as the values saved:
+/// when a text is not well-formed UTF-8, or the file would exceed 16 MiB
+/// (the largest configuration file the store reads), the save fails. A
+/// failed save is not reported: the old file stays as it was and the new
+/// value stays in memory. The token is never written. Saving needs a POSIX
+/// system; elsewhere changes stay in memory.
 ///
 /// Thread safety: the first use is guarded, so concurrent first callers see
 /// one fully loaded store; after that nothing is synchronised, so call it
