@@ -10,7 +10,9 @@
       LIBRARY exports nothing but the public interface: C functions declared
       in C_HEADER and C++ symbols of namespace tavuro whose first name after
       "tavuro::" is declared public in CXX_HEADER (no platform:: or detail::
-      internals, no standard-library instantiations).
+      internals, no standard-library instantiations), and it exports the
+      vtable and type information of every public class with virtual members,
+      which a host needs to create or derive from one.
 """
 import re
 import subprocess
@@ -19,6 +21,7 @@ import sys
 TABLE_ROW = re.compile(r"^\|\s*`([^`]+)`\s*\|\s*`(tavuro_\w+)`\s*\|")
 HEADING = re.compile(r"^###\s+(\w+)\s*$")
 C_DECLARATION = re.compile(r"TAVURO_EXPORT[^;{]*?\b(tavuro_\w+)\s*\(")
+EXPORTED_CLASS = re.compile(r"\bclass\s+TAVURO_EXPORT\s+(\w+)[^;{]*\{(.*?)\n\};", re.S)
 # Linker-made markers that every shared library defines.
 LINKER_SYMBOLS = {"_init", "_fini", "__bss_start", "_edata", "_end"}
 
@@ -80,8 +83,16 @@ def public_cxx_names(cxx_header):
     return names - {"detail", "platform"}
 
 
+def polymorphic_classes(cxx_header):
+    """Exported classes of the public header that declare or override virtual members."""
+    text = re.sub(r"//[^\n]*", "", cxx_header)
+    return {name for name, body in EXPORTED_CLASS.findall(text)
+            if re.search(r"\b(?:virtual|override)\b", body)}
+
+
 def check_exports(cxx_header_path, c_header_path, library, nm):
-    public = public_cxx_names(read(cxx_header_path))
+    cxx_header = read(cxx_header_path)
+    public = public_cxx_names(cxx_header)
     declared_c = set(C_DECLARATION.findall(read(c_header_path)))
     raw = exported_symbols(library, nm, demangle=False)
     demangled = exported_symbols(library, nm, demangle=True)
@@ -100,6 +111,14 @@ def check_exports(cxx_header_path, c_header_path, library, nm):
             problems.append("exports a non-public symbol: %s" % name)
     if not any(s.startswith("tavuro_") for s in raw):
         problems.append("no C function exported at all: wrong library?")
+    polymorphic = polymorphic_classes(cxx_header)
+    exported = set(demangled)
+    for cls in sorted(polymorphic):
+        for what in ("vtable", "typeinfo"):
+            if "%s for tavuro::%s" % (what, cls) not in exported:
+                problems.append("does not export the %s for tavuro::%s" % (what, cls))
+    if len(polymorphic) < 5:
+        problems.append("only %d classes with virtual members read from %s" % (len(polymorphic), cxx_header_path))
     return problems
 
 

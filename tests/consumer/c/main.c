@@ -1,7 +1,8 @@
-/* A C program built against an installed TavuroCommon with nothing but
- * pkg-config: cc $(pkg-config --cflags TavuroCommon) -c main.c, then linked
- * with $(pkg-config --libs TavuroCommon) (through the C++ driver when the
- * installed library is the static one). */
+/* A C host of the installed library, compiled and linked by the C driver
+ * alone: through this directory's CMake project, and with nothing but
+ * pkg-config (cc main.c $(pkg-config --cflags --libs [--static] TavuroCommon)).
+ * Against the static library the link needs the C++ runtime, which the C
+ * driver does not add by itself. */
 #include <TavuroCommon/TavuroCommon_c.h>
 
 #include <stdio.h>
@@ -19,6 +20,6 @@ int main(void) {
   tavuro_string_free(version);
   tavuro_string_free(description);
   tavuro_TavuroError_release(error);
-  printf("pkg-config consumer: %s\n", ok ? "linked and working" : "WRONG RESULTS");
+  printf("C consumer: %s\n", ok ? "linked and working" : "WRONG RESULTS");
   return ok ? 0 : 1;
 }
