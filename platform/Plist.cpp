@@ -3,6 +3,7 @@
 #include <new>
 
 #include "platform/PlistFormats.h"
+#include "platform/Utf8.h"
 
 namespace tavuro::platform {
 
@@ -44,6 +45,7 @@ std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes) {
   // Any "bplist" prefix is claimed by the binary reader, which accepts only
   // version 00: another version is not XML either.
+  if (bytes.size() > kMaxPlistBytes) return std::nullopt;
   try {
     if (bytes.substr(0, kBinaryMagicPrefix.size()) == kBinaryMagicPrefix) {
       return readBinaryPlistStringDictionary(bytes);
@@ -72,6 +74,18 @@ std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary) 
   }
   out += "</plist>\n";
   return out;
+}
+
+std::optional<std::string> writeFaithfulXmlPlist(
+    const std::map<std::string, std::string>& dictionary) {
+  // The reader takes text byte for byte and undoes exactly the three
+  // escapes, so well-formed UTF-8 is all a faithful file needs.
+  for (const auto& [key, value] : dictionary) {
+    if (!isValidUtf8(key) || !isValidUtf8(value)) return std::nullopt;
+  }
+  std::string xml = writeXmlPlist(dictionary);
+  if (xml.size() > kMaxPlistBytes) return std::nullopt;
+  return xml;
 }
 
 }  // namespace tavuro::platform

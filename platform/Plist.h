@@ -3,6 +3,7 @@
 #ifndef TAVURO_PLATFORM_PLIST_H_
 #define TAVURO_PLATFORM_PLIST_H_
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -10,12 +11,25 @@
 
 namespace tavuro::platform {
 
+/// Property lists larger than this are neither read nor written: no
+/// configuration file comes near it, and a hostile one must not make the
+/// reader allocate without bound.
+inline constexpr std::size_t kMaxPlistBytes = std::size_t{16} << 20;
+
 /// The root dictionary of a property list (XML or binary form, told apart by
 /// its first bytes), keeping only the entries whose value is a string: every
 /// other kind of value (integer, real, boolean, date, data, array, dict) is
 /// recognised, checked and left out. nullopt when the bytes are not a
-/// well-formed property list or the root is not a dictionary. Never crashes,
-/// hangs or allocates without bound on hostile input.
+/// well-formed property list or the root is not a dictionary. Never crashes
+/// or hangs on hostile input.
+///
+/// Memory is bounded by the input, too: reading holds less than 8 times the
+/// input's size plus 256 KiB, the input included. The entries kept, each
+/// counted as the UTF-8 bytes of its key and value plus 160 bytes for its
+/// node, may total at most 6 times the input's size plus 256 KiB; a list
+/// that would need more (in the binary form, one string object named under
+/// many keys is copied under each) is malformed. Every file writeXmlPlist
+/// writes stays within this.
 ///
 /// A key given twice in one dict takes its last value. Containers nest at
 /// most 128 deep, the root dict counting as one. XML must be UTF-8 (a
@@ -29,6 +43,13 @@ std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
 /// platform writes it (declaration, DOCTYPE, tab indentation, keys in byte
 /// order, only "<", ">" and "&" escaped, "<dict/>" when empty).
 std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary);
+
+/// `writeXmlPlist(dictionary)` when `readPlistStringDictionary` gives that
+/// file back as `dictionary`; nullopt when a key or value is not well-formed
+/// UTF-8 or the file would be larger than kMaxPlistBytes. Whoever saves a
+/// file that must load again writes this, never a file it cannot read.
+std::optional<std::string> writeFaithfulXmlPlist(
+    const std::map<std::string, std::string>& dictionary);
 
 }  // namespace tavuro::platform
 

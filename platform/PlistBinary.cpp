@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/PlistFormats.h"
@@ -17,12 +18,6 @@ namespace {
 
 constexpr std::string_view kMagic = "bplist00";
 constexpr std::uint64_t kTrailerSize = 32;
-
-// Strings in the root dict are copied into the result; objects may be
-// shared, so one long string referenced under many keys could expand far
-// beyond the file. The copies together may not exceed this many times the
-// file's size.
-constexpr std::uint64_t kMaxExpansion = 64;
 
 enum ObjectType : std::uint8_t {
   kSingleton = 0x0,  // null, false, true, fill
@@ -62,15 +57,20 @@ class BinaryPlistReader {
     if (!readTrailer() || !checkOffsetTable()) return std::nullopt;
     std::optional<ObjectHeader> root = readHeader(topObject_);
     if (!root || root->type != kDict) return std::nullopt;
+    // One byte per object: the offset table bounds objectCount_ by the
+    // file's size. It is let go before the result is built.
     heights_.assign(objectCount_, kUnchecked);
-    onPath_.assign(objectCount_, false);
     checkBudget_ = objectsEnd_;
     if (!checkObject(topObject_, 1)) return std::nullopt;
+    std::vector<std::uint8_t>().swap(heights_);
     return collectStrings(*root);
   }
 
  private:
-  static constexpr int kUnchecked = -1;
+  // Marks in heights_ besides a height, which is at most kPlistMaxDepth.
+  static constexpr std::uint8_t kUnchecked = 0xFF;
+  static constexpr std::uint8_t kOnPath = 0xFE;  // a container being checked
+  static_assert(kPlistMaxDepth < kOnPath);
 
   std::uint64_t readBigEndian(std::uint64_t at, std::uint64_t width) const {
     std::uint64_t value = 0;
@@ -152,22 +152,21 @@ class BinaryPlistReader {
   /// the work stays linear in the file size. The objects on the current path
   /// are marked, so a container that reaches itself is rejected.
   bool checkObject(std::uint64_t index, int depth) {
-    if (onPath_[index]) return false;
+    if (heights_[index] == kOnPath) return false;
     if (heights_[index] != kUnchecked) return depth - 1 + heights_[index] <= kPlistMaxDepth;
     std::optional<ObjectHeader> header = readHeader(index);
     if (!header || !charge(*header)) return false;
     int height = 0;
     if (isContainerType(header->type)) {
       if (depth > kPlistMaxDepth) return false;
-      onPath_[index] = true;
+      heights_[index] = kOnPath;
       std::optional<int> childHeight = checkChildren(*header, depth);
-      onPath_[index] = false;
       if (!childHeight) return false;
       height = 1 + *childHeight;
     } else if (!checkScalar(*header)) {
       return false;
     }
-    heights_[index] = height;
+    heights_[index] = static_cast<std::uint8_t>(height);
     return true;
   }
 
@@ -204,7 +203,7 @@ class BinaryPlistReader {
       if (header.type == kDict && i < header.count && !isStringType(readHeader(*child)->type)) {
         return std::nullopt;
       }
-      maxHeight = std::max(maxHeight, heights_[*child]);
+      maxHeight = std::max(maxHeight, int{heights_[*child]});
     }
     return maxHeight;
   }
@@ -219,63 +218,88 @@ class BinaryPlistReader {
       case kDate: return header.info == 3 && fits(header.content, 8, 1);
       case kData: return fits(header.content, header.count, 1);
       case kAsciiString:
-      case kUtf16String: return decodeString(header).has_value();
+      case kUtf16String: return textLength(header).has_value();
       case kUid: return fits(header.content, header.info + 1u, 1);
       default: return false;
     }
   }
 
-  /// The text of an ASCII or UTF-16 string object as UTF-8.
-  std::optional<std::string> decodeString(const ObjectHeader& header) const {
-    return header.type == kAsciiString ? decodeAscii(header) : decodeUtf16(header);
+  std::uint64_t utf16Unit(const ObjectHeader& header, std::uint64_t i) const {
+    return readBigEndian(header.content + 2 * i, 2);
   }
 
-  std::optional<std::string> decodeAscii(const ObjectHeader& header) const {
-    if (!fits(header.content, header.count, 1)) return std::nullopt;
-    std::string text(in_.substr(header.content, header.count));
-    for (char c : text) {
-      if (static_cast<unsigned char>(c) >= 0x80) return std::nullopt;
+  static bool isHighSurrogate(std::uint64_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+  static bool isLowSurrogate(std::uint64_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+  /// The length in UTF-8 of the text of an ASCII or UTF-16 string object;
+  /// nullopt when the object overruns the object area or its text is not
+  /// valid (a byte above 0x7F, an unpaired surrogate). Nothing is allocated.
+  std::optional<std::uint64_t> textLength(const ObjectHeader& header) const {
+    if (header.type == kAsciiString) {
+      if (!fits(header.content, header.count, 1)) return std::nullopt;
+      const std::string_view text = in_.substr(header.content, header.count);
+      const bool ascii =
+          std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+      return ascii ? std::optional<std::uint64_t>(header.count) : std::nullopt;
     }
-    return text;
-  }
-
-  std::optional<std::string> decodeUtf16(const ObjectHeader& header) const {
     if (!fits(header.content, header.count, 2)) return std::nullopt;
-    std::string text;
-    text.reserve(header.count);
+    std::uint64_t length = 0;
     for (std::uint64_t i = 0; i < header.count; ++i) {
-      const auto unit = static_cast<char32_t>(readBigEndian(header.content + 2 * i, 2));
-      if (unit >= 0xDC00 && unit <= 0xDFFF) return std::nullopt;  // low surrogate first
-      if (unit < 0xD800 || unit > 0xDBFF) {
-        appendUtf8(text, unit);
-        continue;
+      const std::uint64_t unit = utf16Unit(header, i);
+      if (isLowSurrogate(unit)) return std::nullopt;
+      if (isHighSurrogate(unit)) {
+        if (++i == header.count || !isLowSurrogate(utf16Unit(header, i))) return std::nullopt;
+        length += 4;
+      } else {
+        length += unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
       }
-      if (++i == header.count) return std::nullopt;
-      const auto low = static_cast<char32_t>(readBigEndian(header.content + 2 * i, 2));
-      if (low < 0xDC00 || low > 0xDFFF) return std::nullopt;
-      appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+    }
+    return length;
+  }
+
+  /// The text of a string object that textLength found valid, as UTF-8.
+  std::string decodeString(const ObjectHeader& header) const {
+    if (header.type == kAsciiString) return std::string(in_.substr(header.content, header.count));
+    std::string text(*textLength(header), '\0');
+    char* out = text.data();
+    for (std::uint64_t i = 0; i < header.count; ++i) {
+      std::uint64_t codePoint = utf16Unit(header, i);
+      if (isHighSurrogate(codePoint)) {
+        codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (utf16Unit(header, ++i) - 0xDC00);
+      }
+      out = encodeUtf8(static_cast<std::uint32_t>(codePoint), out);
     }
     return text;
+  }
+
+  /// The key and value of entry `i` of the (already checked) root dict.
+  std::pair<ObjectHeader, ObjectHeader> rootEntry(const ObjectHeader& root, std::uint64_t i) const {
+    return {*readHeader(*readReference(root.content + i * refSize_)),
+            *readHeader(*readReference(root.content + (root.count + i) * refSize_))};
   }
 
   /// The string entries of the (already checked) root dict; a repeated key
-  /// takes its last value and is dropped if that is not a string.
-  std::optional<PlistStringDictionary> collectStrings(const ObjectHeader& root) {
-    std::uint64_t budget = kMaxExpansion * in_.size();
+  /// takes its last value and is dropped if that is not a string. One string
+  /// object may stand under many keys and is copied under each, so the
+  /// copies are sized first and refused, before any is made, when they would
+  /// not fit the budget. Every key is decoded, kept or not, so its bytes are
+  /// taken too.
+  std::optional<PlistStringDictionary> collectStrings(const ObjectHeader& root) const {
+    PlistResultBudget budget(in_.size());
+    for (std::uint64_t i = 0; i < root.count; ++i) {
+      const auto [key, value] = rootEntry(root, i);
+      const bool taken = isStringType(value.type)
+                             ? budget.takeEntry(*textLength(key), *textLength(value))
+                             : budget.take(*textLength(key));
+      if (!taken) return std::nullopt;
+    }
     PlistStringDictionary entries;
     for (std::uint64_t i = 0; i < root.count; ++i) {
-      const ObjectHeader keyHeader = *readHeader(*readReference(root.content + i * refSize_));
-      const ObjectHeader valueHeader =
-          *readHeader(*readReference(root.content + (root.count + i) * refSize_));
-      const bool valueIsString = isStringType(valueHeader.type);
-      const std::uint64_t cost = keyHeader.count + (valueIsString ? valueHeader.count : 0);
-      if (cost > budget) return std::nullopt;
-      budget -= cost;
-      std::string key = *decodeString(keyHeader);
-      if (valueIsString) {
-        entries[std::move(key)] = *decodeString(valueHeader);
+      const auto [key, value] = rootEntry(root, i);
+      if (isStringType(value.type)) {
+        entries[decodeString(key)] = decodeString(value);
       } else {
-        entries.erase(key);
+        entries.erase(decodeString(key));
       }
     }
     return entries;
@@ -286,10 +310,9 @@ class BinaryPlistReader {
   std::uint64_t refSize_ = 0;
   std::uint64_t objectCount_ = 0;
   std::uint64_t topObject_ = 0;
-  std::uint64_t objectsEnd_ = 0;  // where the offset table starts
-  std::vector<int> heights_;      // subtree height of each checked object
-  std::vector<bool> onPath_;
-  std::uint64_t checkBudget_ = 0;  // object-area bytes not yet charged
+  std::uint64_t objectsEnd_ = 0;       // where the offset table starts
+  std::vector<std::uint8_t> heights_;  // subtree height of each checked object, or a mark
+  std::uint64_t checkBudget_ = 0;      // object-area bytes not yet charged
 };
 
 }  // namespace

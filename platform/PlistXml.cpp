@@ -174,7 +174,7 @@ struct Tag {
 
 class XmlPlistReader {
  public:
-  explicit XmlPlistReader(std::string_view input) : in_(input) {}
+  explicit XmlPlistReader(std::string_view input) : in_(input), budget_(input.size()) {}
 
   std::optional<PlistStringDictionary> read() {
     constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
@@ -477,7 +477,9 @@ class XmlPlistReader {
 
   /// Key and value pairs up to "</dict>". `entries`, when given, collects
   /// the string values; a later repeat of a key replaces the earlier entry,
-  /// and removes it if its value is not a string.
+  /// and removes it if its value is not a string. Each entry kept is taken
+  /// from the budget by what its texts hold, which for text built piece by
+  /// piece can be more than its length.
   bool readDict(const Tag& tag, int depth, PlistStringDictionary* entries) {
     if (tag.isEmpty) return true;
     while (true) {
@@ -491,6 +493,7 @@ class XmlPlistReader {
       if (!valueTag || !readValue(*valueTag, depth + 1, entries ? &value : nullptr)) return false;
       if (entries == nullptr) continue;
       if (value) {
+        if (!budget_.takeEntry(key.capacity(), value->capacity())) return false;
         (*entries)[std::move(key)] = std::move(*value);
       } else {
         entries->erase(key);
@@ -500,6 +503,7 @@ class XmlPlistReader {
 
   std::string_view in_;
   std::size_t pos_ = 0;  // never beyond in_.size()
+  PlistResultBudget budget_;
 };
 
 }  // namespace

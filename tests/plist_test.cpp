@@ -384,6 +384,36 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
   }
 }
 
+TEST(PlistBinary, CopiesSharedStringsToAtMostSixTimesTheFile) {
+  // One string object of about 1 MB under `keys` keys is copied under each;
+  // in UTF-16 (U+4E00 throughout) each copy, as UTF-8, is half again as large.
+  const struct {
+    bool utf16;
+    int keys;
+    bool loads;
+  } cases[] = {
+      {false, 6, true}, {false, 7, false}, {false, 63, false}, {true, 4, true}, {true, 5, false}};
+  constexpr std::size_t kBytes = 1 << 20;
+  for (const auto& c : cases) {
+    Bplist b;
+    b.offsetSize = 4;
+    std::string text;
+    for (std::size_t i = 0; i < kBytes / 2; ++i) text += c.utf16 ? "\xE4\xB8\x80" : "xx";
+    const auto shared =
+        c.utf16 ? b.utf16(std::vector<std::uint16_t>(kBytes / 2, 0x4E00)) : b.ascii(text);
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
+    Dict expected;
+    for (int i = 0; i < c.keys; ++i) {
+      entries.emplace_back(b.ascii(std::to_string(i)), shared);
+      expected[std::to_string(i)] = text;
+    }
+    const auto result = readPlistStringDictionary(b.build(b.dict(entries)));
+    // Compared whole, so that a failure does not print megabytes.
+    EXPECT_TRUE(result == (c.loads ? std::optional<Dict>(expected) : std::nullopt))
+        << c.keys << (c.utf16 ? " keys, UTF-16" : " keys, ASCII");
+  }
+}
+
 TEST(PlistWriter, WritesThePhoneLayoutByteForByte) {
   const std::string header =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST "
