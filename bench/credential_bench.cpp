@@ -7,7 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include "TavuroCommon/TavuroCommon.h"
-#include "common/CredentialFile.h"
+#include "common/CredentialStore.h"
 #include "platform/Base64.h"
 
 namespace {

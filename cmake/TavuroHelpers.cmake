@@ -1,7 +1,26 @@
-# Small helpers that add the project's tests, benchmarks and fuzz targets
-# with the same settings everywhere.
+# Small helpers that add the library's layers and the project's tests,
+# benchmarks and fuzz targets with the same settings everywhere.
 
 include_guard(GLOBAL)
+
+# tavuro_add_layer(NAME DIRECTORY dir [INCLUDES dir...] [DEPENDS layer...])
+# One layer of the library: an OBJECT library of every .cpp in `dir`,
+# compiled as library code (warnings, hidden symbols, position-independent),
+# that sees its INCLUDES and the layers it DEPENDS on, and nothing else.
+function(tavuro_add_layer name)
+  cmake_parse_arguments(ARG "" "DIRECTORY" "INCLUDES;DEPENDS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${ARG_DIRECTORY}/*.cpp")
+  add_library(${name} OBJECT ${sources})
+  target_include_directories(${name} PUBLIC ${ARG_INCLUDES})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS})
+  target_compile_options(${name} PRIVATE ${TAVURO_WARNINGS})
+  target_compile_definitions(${name} PRIVATE
+    TAVURO_BUILDING_LIBRARY $<$<BOOL:${BUILD_SHARED_LIBS}>:TAVURO_SHARED_LIBRARY>)
+  set_target_properties(${name} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+endfunction()
 
 # tavuro_add_test(NAME SOURCES src... [LIBRARIES lib...])
 # A GoogleTest program; every test case becomes its own CTest test and so

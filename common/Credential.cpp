@@ -1,10 +1,11 @@
-#include <atomic>
+#include <utility>
 
 #include "TavuroCommon/TavuroCommon.h"
-#include "common/CredentialFile.h"
+#include "common/CredentialStore.h"
 #include "platform/Base64.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
+#include "platform/NoDestructor.h"
 #include "platform/Plist.h"
 #include "platform/Resources.h"
 
@@ -26,8 +27,6 @@ constexpr char kIdKey[] = "ferisant_endpoint";
 constexpr char kHealthInsuranceKey[] = "med_endpoint";
 constexpr char kPassiveLivenessKey[] = "passive_liveness_endpoint";
 constexpr char kKelmoKey[] = "kelmo_endpoint";
-
-std::atomic<std::size_t> g_loadCount{0};
 
 using StringDictionary = std::map<std::string, std::string>;
 
@@ -103,159 +102,181 @@ std::optional<std::string> credentialFileBytes(const CredentialFields& fields) {
   return platform::writeFaithfulXmlPlist(credentialFileDictionary(fields));
 }
 
-std::size_t credentialLoadCount() noexcept { return g_loadCount.load(std::memory_order_acquire); }
-
-}  // namespace detail
-
 // ---------------------------------------------------------------------------
-// The shared instance
+// The store
 // ---------------------------------------------------------------------------
 
-Credential::Credential() : jwtParser_(std::make_shared<TavuroJwtParser>()) {}
-
-Credential& Credential::shared() {
-  // Concurrent first callers wait here for the one creation and load. The
-  // store is never destroyed, so no exit-time destructor can race a late
-  // caller on another thread.
-  static Credential* const instance = [] {
-    auto* created = new Credential();
-    created->load();
-    return created;
-  }();
-  return *instance;
+CredentialStore::Environment CredentialStore::systemEnvironment() {
+  Environment environment;
+  environment.now = [] { return platform::wallClockNow(); };
+  environment.configurationPath = [] {
+    return platform::pathForResource(resourceDirectory(), kResourceName, kResourceType);
+  };
+  environment.writeFile = [](const std::string& path, std::string_view bytes) {
+    return platform::writeFileAtomically(path, bytes);
+  };
+  return environment;
 }
 
-void Credential::load() {
-  g_loadCount.fetch_add(1, std::memory_order_acq_rel);
-  const std::optional<std::string> path = platform::pathForResource(kResourceName, kResourceType);
+CredentialStore::CredentialStore(Environment environment)
+    : environment_(std::move(environment)), jwtParser_(std::make_shared<TavuroJwtParser>()) {
+  const std::optional<std::string> path = environment_.configurationPath();
   if (!path) return;
   try {
-    detail::CredentialFields fields = detail::loadCredentialFile(*path);
-    tavuro_username_ = std::move(fields.username);
-    tavuro_password_ = std::move(fields.password);
-    tavuro_subscription_ = std::move(fields.subscription);
-    tavuro_endpoints_ = std::move(fields.endpoints);
+    CredentialFields fields = loadCredentialFile(*path);
+    username_ = std::move(fields.username);
+    password_ = std::move(fields.password);
+    subscription_ = std::move(fields.subscription);
+    endpoints_ = std::move(fields.endpoints);
     refreshBasicAuthHeader();
   } catch (...) {
     // Out of memory while loading: the store is left empty, as for any
     // other unreadable file.
-    tavuro_username_.reset();
-    tavuro_password_.reset();
-    tavuro_subscription_.reset();
-    tavuro_endpoints_.reset();
+    username_.reset();
+    password_.reset();
+    subscription_.reset();
+    endpoints_.reset();
     basicAuthHeader_.reset();
   }
 }
 
-void Credential::saveFile() const {
+void CredentialStore::saveFile() const {
   try {
     // Looked up again: a save never creates a file where none was found.
-    const std::optional<std::string> path = platform::pathForResource(kResourceName, kResourceType);
+    const std::optional<std::string> path = environment_.configurationPath();
     if (!path) return;
-    const detail::CredentialFields fields{tavuro_username_, tavuro_password_,
-                                          tavuro_subscription_, tavuro_endpoints_};
     // A state that no file can hold faithfully (text that is not UTF-8, a
     // file past the reader's limit) is not written: the next start would
     // reject the whole file. The old file stays, as after any failed save.
-    const std::optional<std::string> bytes = detail::credentialFileBytes(fields);
+    const std::optional<std::string> bytes =
+        credentialFileBytes({username_, password_, subscription_, endpoints_});
     // The outcome is ignored on purpose: the new value stays in memory.
-    if (bytes) platform::writeFileAtomically(*path, *bytes);
+    if (bytes) static_cast<void>(environment_.writeFile(*path, *bytes));
   } catch (...) {
     // As with a failed write: nothing is reported.
   }
 }
 
-// ---------------------------------------------------------------------------
-// Credentials and endpoints
-// ---------------------------------------------------------------------------
-
-std::optional<std::string> Credential::username() { return shared().tavuro_username_; }
-
-std::optional<std::string> Credential::password() { return shared().tavuro_password_; }
-
-std::optional<std::string> Credential::subscription() { return shared().tavuro_subscription_; }
-
-std::shared_ptr<Endpoints> Credential::endpoints() { return shared().tavuro_endpoints_; }
-
-void Credential::setUsername(const std::optional<std::string>& username) {
-  Credential& store = shared();
-  store.tavuro_username_ = username;
-  store.refreshBasicAuthHeader();
-  store.saveFile();
+void CredentialStore::setUsername(const std::optional<std::string>& username) {
+  username_ = username;
+  refreshBasicAuthHeader();
+  saveFile();
 }
 
-void Credential::setPassword(const std::optional<std::string>& password) {
-  Credential& store = shared();
-  store.tavuro_password_ = password;
-  store.refreshBasicAuthHeader();
-  store.saveFile();
+void CredentialStore::setPassword(const std::optional<std::string>& password) {
+  password_ = password;
+  refreshBasicAuthHeader();
+  saveFile();
 }
 
-void Credential::setSubscription(const std::optional<std::string>& subscription) {
-  Credential& store = shared();
-  store.tavuro_subscription_ = subscription;
-  store.saveFile();
+void CredentialStore::setSubscription(const std::optional<std::string>& subscription) {
+  subscription_ = subscription;
+  saveFile();
 }
 
-void Credential::setEndpoints(std::shared_ptr<Endpoints> endpoints) {
-  Credential& store = shared();
-  store.tavuro_endpoints_ = std::move(endpoints);
-  store.saveFile();
+void CredentialStore::setEndpoints(std::shared_ptr<Endpoints> endpoints) {
+  endpoints_ = std::move(endpoints);
+  saveFile();
 }
 
-// ---------------------------------------------------------------------------
-// Token and headers
-// ---------------------------------------------------------------------------
-
-bool Credential::removeToken() {
-  Credential& store = shared();
-  if (!store.token_) return false;
-  store.token_.reset();
-  return true;
-}
-
-bool Credential::setToken(const std::string& token) {
-  Credential& store = shared();
-  std::shared_ptr<TavuroJwtToken> parsed = store.jwtParser_->parseToken(token);
-  if (!parsed) return false;
+bool CredentialStore::setToken(const std::string& token) {
+  std::shared_ptr<TavuroJwtToken> parsed = jwtParser_->parseToken(token);
   // A token that is already expired is dropped and the stored one, expired
   // or not, stays: a failed call never removes anything.
-  if (!(platform::currentClock().now() < parsed->expiration())) return false;
-  store.token_ = std::move(parsed);
+  if (!parsed || !parsed->isValidAt(environment_.now())) return false;
+  token_ = std::move(parsed);
   return true;
 }
 
-std::shared_ptr<TavuroJwtToken> Credential::getToken() { return shared().token_; }
+bool CredentialStore::removeToken() noexcept {
+  if (!token_) return false;
+  token_.reset();
+  return true;
+}
 
-bool Credential::isCredentialValid(const std::optional<std::string>& endpoint) {
-  // The endpoint is looked at before the store is touched.
-  if (!endpoint || endpoint->empty()) return false;
-  const Credential& store = shared();
+bool CredentialStore::hasCredentialsOrToken() const noexcept {
   const auto filled = [](const std::optional<std::string>& text) { return text && !text->empty(); };
-  if (filled(store.tavuro_username_) && filled(store.tavuro_password_) &&
-      filled(store.tavuro_subscription_)) {
-    return true;
-  }
   // Any stored token counts, expired or not.
-  return store.token_ != nullptr;
+  return (filled(username_) && filled(password_) && filled(subscription_)) || token_ != nullptr;
 }
 
-std::optional<std::string> Credential::getTavuroAuthHeader() {
-  const Credential& store = shared();
+std::optional<std::string> CredentialStore::tavuroAuthHeader() const {
   // The token's expiry is deliberately not looked at here.
-  if (store.token_) return "Bearer " + store.token_->value();
-  return getBasicAuthHeader();
+  if (token_) return "Bearer " + token_->value();
+  return basicAuthHeader_;
 }
 
-std::optional<std::string> Credential::getBasicAuthHeader() { return shared().basicAuthHeader_; }
-
-void Credential::refreshBasicAuthHeader() {
-  if (!tavuro_username_ || !tavuro_password_) {
+void CredentialStore::refreshBasicAuthHeader() {
+  if (!username_ || !password_) {
     basicAuthHeader_.reset();
     return;
   }
   // std::string holds UTF-8 bytes already, so the encoding step cannot fail.
-  basicAuthHeader_ = "Basic " + platform::base64Encode(*tavuro_username_ + ":" + *tavuro_password_);
+  basicAuthHeader_ = "Basic " + platform::base64Encode(*username_ + ":" + *password_);
+}
+
+CredentialStore& sharedCredentialStore() {
+  // Concurrent first callers wait here for the one creation and load. The
+  // store is never destroyed, so no exit-time destructor can race a late
+  // caller on another thread.
+  static platform::NoDestructor<CredentialStore> store(CredentialStore::systemEnvironment());
+  return *store;
+}
+
+}  // namespace detail
+
+// ---------------------------------------------------------------------------
+// The static operations
+// ---------------------------------------------------------------------------
+
+using detail::sharedCredentialStore;
+
+std::optional<std::string> Credential::username() { return sharedCredentialStore().username(); }
+
+std::optional<std::string> Credential::password() { return sharedCredentialStore().password(); }
+
+std::optional<std::string> Credential::subscription() {
+  return sharedCredentialStore().subscription();
+}
+
+std::shared_ptr<Endpoints> Credential::endpoints() { return sharedCredentialStore().endpoints(); }
+
+void Credential::setUsername(const std::optional<std::string>& username) {
+  sharedCredentialStore().setUsername(username);
+}
+
+void Credential::setPassword(const std::optional<std::string>& password) {
+  sharedCredentialStore().setPassword(password);
+}
+
+void Credential::setSubscription(const std::optional<std::string>& subscription) {
+  sharedCredentialStore().setSubscription(subscription);
+}
+
+void Credential::setEndpoints(std::shared_ptr<Endpoints> endpoints) {
+  sharedCredentialStore().setEndpoints(std::move(endpoints));
+}
+
+bool Credential::removeToken() { return sharedCredentialStore().removeToken(); }
+
+bool Credential::setToken(const std::string& token) {
+  return sharedCredentialStore().setToken(token);
+}
+
+std::shared_ptr<TavuroJwtToken> Credential::getToken() { return sharedCredentialStore().token(); }
+
+bool Credential::isCredentialValid(const std::optional<std::string>& endpoint) {
+  // The endpoint is looked at before the store is touched.
+  if (!endpoint || endpoint->empty()) return false;
+  return sharedCredentialStore().hasCredentialsOrToken();
+}
+
+std::optional<std::string> Credential::getTavuroAuthHeader() {
+  return sharedCredentialStore().tavuroAuthHeader();
+}
+
+std::optional<std::string> Credential::getBasicAuthHeader() {
+  return sharedCredentialStore().basicAuthHeader();
 }
 
 }  // namespace tavuro

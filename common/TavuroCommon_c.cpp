@@ -1,9 +1,15 @@
 // The C interface: thin wrappers that turn handles and C texts into the C++
 // types and back. Every entry point catches everything, because an exception
 // unwinding into a C caller is undefined behaviour.
+//
+// The wrappers of the regular members are generated from
+// interface/TavuroCommon.json by scripts/generate_interface.py, between the
+// "BEGIN generated" and "END generated" lines; what is written here by hand
+// is the helpers they use and the members that do not fit one rule.
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -17,10 +23,6 @@ static_assert(TAVURO_PIXEL_FORMAT_RGBA8 == static_cast<int>(tavuro::PixelFormat:
               TAVURO_PIXEL_FORMAT_BGRA8 == static_cast<int>(tavuro::PixelFormat::BGRA8));
 static_assert(TAVURO_JSON_OBJECT == static_cast<int>(tavuro::JsonValue::Kind::Object) &&
               TAVURO_JSON_STRING == static_cast<int>(tavuro::JsonValue::Kind::String));
-static_assert(TAVURO_PROCESSING_MODE_DATA_CAPTURE ==
-                  tavuro::rawValue(tavuro::ProcessingMode::DataCapture) &&
-              TAVURO_PROCESSING_MODE_STANDARD ==
-                  tavuro::rawValue(tavuro::ProcessingMode::Standard));
 
 namespace {
 
@@ -36,28 +38,23 @@ struct Box {
 
 }  // namespace
 
-struct tavuro_TavuroError : Box<std::shared_ptr<tavuro::TavuroError>> {
-  using Box::Box;
-};
-struct tavuro_Image : Box<std::shared_ptr<tavuro::Image>> {
+// BEGIN generated from interface/TavuroCommon.json: handles
+struct tavuro_TavuroInitializer : Box<std::shared_ptr<tavuro::TavuroInitializer>> {
   using Box::Box;
 };
 struct tavuro_Endpoints : Box<std::shared_ptr<tavuro::Endpoints>> {
   using Box::Box;
 };
-struct tavuro_TavuroJwtToken : Box<std::shared_ptr<tavuro::TavuroJwtToken>> {
-  using Box::Box;
-};
 struct tavuro_TavuroJwtParser : Box<std::shared_ptr<tavuro::TavuroJwtParser>> {
   using Box::Box;
 };
-struct tavuro_TavuroInitializer : Box<std::shared_ptr<tavuro::TavuroInitializer>> {
+struct tavuro_TavuroJwtToken : Box<std::shared_ptr<tavuro::TavuroJwtToken>> {
   using Box::Box;
 };
-struct tavuro_Picture : Box<std::shared_ptr<const tavuro::Picture>> {
+struct tavuro_TavuroError : Box<std::shared_ptr<tavuro::TavuroError>> {
   using Box::Box;
 };
-struct tavuro_ByteBuffer : Box<std::shared_ptr<tavuro::ByteBuffer>> {
+struct tavuro_Image : Box<std::shared_ptr<tavuro::Image>> {
   using Box::Box;
 };
 struct tavuro_JsonDictionary : Box<tavuro::JsonDictionary> {
@@ -69,6 +66,21 @@ struct tavuro_JsonArray : Box<tavuro::JsonArray> {
 struct tavuro_JsonValue : Box<tavuro::JsonValue> {
   using Box::Box;
 };
+struct tavuro_Picture : Box<std::shared_ptr<const tavuro::Picture>> {
+  using Box::Box;
+};
+struct tavuro_ByteBuffer : Box<std::shared_ptr<tavuro::ByteBuffer>> {
+  using Box::Box;
+};
+static_assert(TAVURO_PROCESSING_MODE_RESERVED ==
+              tavuro::rawValue(tavuro::ProcessingMode::Reserved));
+static_assert(TAVURO_PROCESSING_MODE_DATA_CAPTURE ==
+              tavuro::rawValue(tavuro::ProcessingMode::DataCapture));
+static_assert(TAVURO_PROCESSING_MODE_STANDARD ==
+              tavuro::rawValue(tavuro::ProcessingMode::Standard));
+static_assert(TAVURO_DELETE_TYPE_KIND0 == tavuro::rawValue(tavuro::DeleteType::Kind0));
+static_assert(TAVURO_DELETE_TYPE_KIND1 == tavuro::rawValue(tavuro::DeleteType::Kind1));
+// END generated: handles
 
 namespace {
 
@@ -101,6 +113,12 @@ Handle* wrap(std::optional<T> value) {
   return value ? new Handle(std::move(*value)) : nullptr;
 }
 
+// A new byte buffer holding `bytes`; NULL when they are absent.
+tavuro_ByteBuffer* wrapBytes(std::optional<std::vector<std::uint8_t>> bytes) {
+  if (!bytes) return nullptr;
+  return new tavuro_ByteBuffer(std::make_shared<tavuro::ByteBuffer>(std::move(*bytes)));
+}
+
 template <typename Handle>
 Handle* retain(Handle* handle) noexcept {
   if (handle != nullptr) handle->references.fetch_add(1, std::memory_order_relaxed);
@@ -116,18 +134,17 @@ void release(Handle* handle) noexcept {
   }
 }
 
-// A new handle sharing the object that `read` takes from the record behind
-// `record`; NULL when the record or the object is absent.
-template <typename Handle, typename Record, typename Read>
-Handle* shareField(const Record* record, Read read) noexcept {
-  if (record == nullptr) return nullptr;
-  return guarded<Handle*>(nullptr, [&] { return wrap<Handle>(read(*record->value)); });
-}
-
 // The object behind a handle, or an empty shared_ptr for NULL.
 template <typename Handle>
 auto objectOf(const Handle* handle) -> decltype(handle->value) {
   return handle != nullptr ? handle->value : decltype(handle->value){};
+}
+
+// The value behind a handle of a value type, absent for NULL.
+template <typename Handle>
+auto optionalValue(const Handle* handle) -> std::optional<decltype(handle->value)> {
+  if (handle == nullptr) return std::nullopt;
+  return handle->value;
 }
 
 // A malloc'd, NUL-terminated copy; freed by tavuro_string_free.
@@ -149,11 +166,6 @@ std::optional<std::string> optionalText(const char* text) {
   return std::string(text);
 }
 
-std::optional<tavuro::JsonDictionary> optionalDictionary(const tavuro_JsonDictionary* handle) {
-  if (handle == nullptr) return std::nullopt;
-  return handle->value;
-}
-
 // One package of the C host, called through its function pointer.
 class CPackage final : public tavuro::ITavuroPackage {
  public:
@@ -164,50 +176,21 @@ class CPackage final : public tavuro::ITavuroPackage {
   tavuro_ITavuroPackage package_;
 };
 
+tavuro_TavuroErrorInfo cInfo(const tavuro::TavuroErrorInfo& info) noexcept {
+  return tavuro_TavuroErrorInfo{info.code, info.codeName, info.descriptionName, info.description};
+}
+
 }  // namespace
 
 extern "C" {
 
 // ---------------------------------------------------------------------------
-// Texts and the resource directory
+// Texts
 // ---------------------------------------------------------------------------
 
 void tavuro_string_free(char* text) {
   std::free(text);
 }
-
-void tavuro_setResourceDirectory(const char* directory) {
-  if (directory == nullptr) return;
-  guardedVoid([&] { tavuro::setResourceDirectory(directory); });
-}
-
-char* tavuro_resourceDirectory(void) {
-  return guarded<char*>(nullptr, [] { return copyText(tavuro::resourceDirectory()); });
-}
-
-// ---------------------------------------------------------------------------
-// Reference counting of every handle type
-// ---------------------------------------------------------------------------
-
-#define TAVURO_C_REFERENCE_COUNTING(Type)                        \
-  tavuro_##Type* tavuro_##Type##_retain(tavuro_##Type* handle) { \
-    return retain(handle);                                       \
-  }                                                              \
-  void tavuro_##Type##_release(tavuro_##Type* handle) {          \
-    release(handle);                                             \
-  }
-TAVURO_C_REFERENCE_COUNTING(Picture)
-TAVURO_C_REFERENCE_COUNTING(ByteBuffer)
-TAVURO_C_REFERENCE_COUNTING(TavuroError)
-TAVURO_C_REFERENCE_COUNTING(TavuroInitializer)
-TAVURO_C_REFERENCE_COUNTING(Image)
-TAVURO_C_REFERENCE_COUNTING(JsonDictionary)
-TAVURO_C_REFERENCE_COUNTING(JsonArray)
-TAVURO_C_REFERENCE_COUNTING(JsonValue)
-TAVURO_C_REFERENCE_COUNTING(Endpoints)
-TAVURO_C_REFERENCE_COUNTING(TavuroJwtToken)
-TAVURO_C_REFERENCE_COUNTING(TavuroJwtParser)
-#undef TAVURO_C_REFERENCE_COUNTING
 
 // ---------------------------------------------------------------------------
 // Pictures and byte buffers
@@ -282,112 +265,26 @@ bool tavuro_ByteBuffer_setLength(tavuro_ByteBuffer* buffer, size_t size) {
 }
 
 // ---------------------------------------------------------------------------
-// TavuroError and the error tables
+// The error tables' lookup
 // ---------------------------------------------------------------------------
 
-tavuro_TavuroError* tavuro_TavuroError_newInstance(void) {
-  return guarded<tavuro_TavuroError*>(
-      nullptr, [] { return wrap<tavuro_TavuroError>(tavuro::TavuroError::newInstance()); });
+bool tavuro_TavuroErrorInfo_forCode(int64_t code, tavuro_TavuroErrorInfo* info) {
+  const auto found = tavuro::TavuroErrorInfo::forCode(code);
+  if (found && info != nullptr) *info = cInfo(*found);
+  return found.has_value();
 }
 
-tavuro_TavuroError* tavuro_TavuroError_initWithErrorCode_errorDescription(
-    int64_t errorCode, const char* errorDescription) {
-  return guarded<tavuro_TavuroError*>(nullptr, [&] {
-    return wrap<tavuro_TavuroError>(
-        std::make_shared<tavuro::TavuroError>(errorCode, optionalText(errorDescription)));
-  });
-}
-
-int64_t tavuro_TavuroError_errorCode(const tavuro_TavuroError* error) {
-  return error != nullptr ? error->value->errorCode() : 0;
-}
-
-void tavuro_TavuroError_setErrorCode(tavuro_TavuroError* error, int64_t errorCode) {
-  if (error != nullptr) error->value->setErrorCode(errorCode);
-}
-
-char* tavuro_TavuroError_errorDescription(const tavuro_TavuroError* error) {
-  return error != nullptr ? copyOptionalText(error->value->errorDescription()) : nullptr;
-}
-
-void tavuro_TavuroError_setErrorDescription(tavuro_TavuroError* error,
-                                            const char* errorDescription) {
-  if (error == nullptr) return;
-  guardedVoid([&] { error->value->setErrorDescription(optionalText(errorDescription)); });
-}
-
-#define TAVURO_C_CODE(name)                      \
-  int64_t tavuro_TavuroErrorCodes_##name(void) { \
-    return tavuro::TavuroErrorCodes::name;       \
+size_t tavuro_TavuroErrorInfo_all(tavuro_TavuroErrorInfo* entries, size_t capacity) {
+  const std::vector<tavuro::TavuroErrorInfo>& all = tavuro::TavuroErrorInfo::all();
+  for (std::size_t i = 0; entries != nullptr && i < all.size() && i < capacity; ++i) {
+    entries[i] = cInfo(all[i]);
   }
-TAVURO_C_CODE(ERROR_InvalidCredentials)
-TAVURO_C_CODE(ERROR_InitializationNotFinished)
-TAVURO_C_CODE(ERROR_Network)
-TAVURO_C_CODE(ERROR_InvalidJson)
-TAVURO_C_CODE(ERROR_CouldNotCrop)
-TAVURO_C_CODE(ERROR_CouldNotCreateConnectInstance)
-TAVURO_C_CODE(ERROR_CouldNotUploadConnectImage)
-TAVURO_C_CODE(ERROR_CouldNotUploadConnectBarcode)
-TAVURO_C_CODE(ERROR_CouldNotGetConnectData)
-TAVURO_C_CODE(ERROR_CouldNotClassifyDocument)
-TAVURO_C_CODE(ERROR_LowResolutionImage)
-TAVURO_C_CODE(ERROR_BlurryImage)
-TAVURO_C_CODE(ERROR_ImageWithGlare)
-TAVURO_C_CODE(ERROR_CouldNotGetIPLivenessToken)
-TAVURO_C_CODE(ERROR_NotALiveFace)
-TAVURO_C_CODE(ERROR_CouldNotAccessLivenessData)
-TAVURO_C_CODE(ERROR_CouldNotAccessCredential)
-TAVURO_C_CODE(ERROR_USER_CANCELED_ACTIVITY)
-TAVURO_C_CODE(ERROR_INVALID_PARAMETER)
-TAVURO_C_CODE(ERROR_KelmoInvalidFormat)
-TAVURO_C_CODE(ERROR_EChipReadError)
-TAVURO_C_CODE(ERROR_InvalidNfcTag)
-TAVURO_C_CODE(ERROR_InvalidNfcKeyFormatting)
-#undef TAVURO_C_CODE
-
-#define TAVURO_C_DESCRIPTION(name)                          \
-  const char* tavuro_TavuroErrorDescriptions_##name(void) { \
-    return tavuro::TavuroErrorDescriptions::name;           \
-  }
-TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidCredentials)
-TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidEndpoint)
-TAVURO_C_DESCRIPTION(ERROR_DESC_Network)
-TAVURO_C_DESCRIPTION(ERROR_DESC_InitializationNotFinished)
-TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidJson)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotCrop)
-TAVURO_C_DESCRIPTION(ERROR_DESC_BarcodeCaptureFailed)
-TAVURO_C_DESCRIPTION(ERROR_DESC_BarcodeCaptureTimedOut)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotCreateConnectInstance)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotUploadConnectImage)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotUploadConnectBarcode)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetConnectData)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CardWidthNotSet)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetHealthCardData)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotClassifyDocument)
-TAVURO_C_DESCRIPTION(ERROR_DESC_LowResolutionImage)
-TAVURO_C_DESCRIPTION(ERROR_DESC_BlurryImage)
-TAVURO_C_DESCRIPTION(ERROR_DESC_ImageWithGlare)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetIPLivenessToken)
-TAVURO_C_DESCRIPTION(ERROR_DESC_NotALiveFace)
-TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotAccessLivenessData)
-TAVURO_C_DESCRIPTION(ERROR_DESC_ERROR_CouldNotAccessCredential)
-TAVURO_C_DESCRIPTION(ERROR_DESC_USER_CANCELED_ACTIVITY)
-TAVURO_C_DESCRIPTION(ERROR_DESC_INVALID_PARAMETERS)
-TAVURO_C_DESCRIPTION(ERROR_DESC_KelmoInvalidFormat)
-TAVURO_C_DESCRIPTION(ERROR_DESC_EChipReadError)
-TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidNfcTag)
-TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidNfcKeyFormatting)
-#undef TAVURO_C_DESCRIPTION
-
-// ---------------------------------------------------------------------------
-// Start-up
-// ---------------------------------------------------------------------------
-
-tavuro_TavuroInitializer* tavuro_TavuroInitializer_init(void) {
-  return guarded<tavuro_TavuroInitializer*>(nullptr, [] {
-    return wrap<tavuro_TavuroInitializer>(std::make_shared<tavuro::TavuroInitializer>());
-  });
+  return all.size();
 }
+
+// ---------------------------------------------------------------------------
+// Start-up: a C array of packages and a function pointer for the callback
+// ---------------------------------------------------------------------------
 
 void tavuro_TavuroInitializer_initializeWithPackages_callback(
     tavuro_TavuroInitializer* initializer, const tavuro_ITavuroPackage* packages, size_t count,
@@ -414,68 +311,8 @@ void tavuro_TavuroInitializer_initializeWithPackages_callback(
 }
 
 // ---------------------------------------------------------------------------
-// Image
+// Image points: C arrays of tavuro_Point, copied both ways
 // ---------------------------------------------------------------------------
-
-tavuro_Image* tavuro_Image_newInstance(void) {
-  return guarded<tavuro_Image*>(nullptr,
-                                [] { return wrap<tavuro_Image>(tavuro::Image::newInstance()); });
-}
-
-tavuro_Image* tavuro_Image_newInstanceWithImage_data(tavuro_Picture* image,
-                                                     tavuro_ByteBuffer* data) {
-  return guarded<tavuro_Image*>(nullptr, [&] {
-    return wrap<tavuro_Image>(tavuro::Image::newInstance(objectOf(image), objectOf(data)));
-  });
-}
-
-tavuro_Picture* tavuro_Image_image(const tavuro_Image* record) {
-  return shareField<tavuro_Picture>(record, [](const tavuro::Image& r) { return r.image(); });
-}
-
-void tavuro_Image_setImage(tavuro_Image* record, tavuro_Picture* image) {
-  if (record != nullptr) record->value->setImage(objectOf(image));
-}
-
-tavuro_ByteBuffer* tavuro_Image_data(const tavuro_Image* record) {
-  return shareField<tavuro_ByteBuffer>(record, [](const tavuro::Image& r) { return r.data(); });
-}
-
-void tavuro_Image_setData(tavuro_Image* record, tavuro_ByteBuffer* data) {
-  if (record != nullptr) record->value->setData(objectOf(data));
-}
-
-int64_t tavuro_Image_dpi(const tavuro_Image* record) {
-  return record != nullptr ? record->value->dpi() : 0;
-}
-
-void tavuro_Image_setDpi(tavuro_Image* record, int64_t dpi) {
-  if (record != nullptr) record->value->setDpi(dpi);
-}
-
-tavuro_TavuroError* tavuro_Image_error(const tavuro_Image* record) {
-  return shareField<tavuro_TavuroError>(record, [](const tavuro::Image& r) { return r.error(); });
-}
-
-void tavuro_Image_setError(tavuro_Image* record, tavuro_TavuroError* error) {
-  if (record != nullptr) record->value->setError(objectOf(error));
-}
-
-bool tavuro_Image_isCorrectAspectRatio(const tavuro_Image* record) {
-  return record != nullptr && record->value->isCorrectAspectRatio();
-}
-
-void tavuro_Image_setIsCorrectAspectRatio(tavuro_Image* record, bool value) {
-  if (record != nullptr) record->value->setIsCorrectAspectRatio(value);
-}
-
-float tavuro_Image_aspectRatio(const tavuro_Image* record) {
-  return record != nullptr ? record->value->aspectRatio() : 0.0F;
-}
-
-void tavuro_Image_setAspectRatio(tavuro_Image* record, float aspectRatio) {
-  if (record != nullptr) record->value->setAspectRatio(aspectRatio);
-}
 
 size_t tavuro_Image_points(const tavuro_Image* record, tavuro_Point* points, size_t capacity) {
   if (record == nullptr) return 0;
@@ -496,26 +333,6 @@ void tavuro_Image_setPoints(tavuro_Image* record, const tavuro_Point* points, si
     for (std::size_t i = 0; i < count; ++i) copy.push_back(tavuro::Point{points[i].x, points[i].y});
     record->value->setPoints(std::move(copy));
   });
-}
-
-bool tavuro_Image_isPassport(const tavuro_Image* record) {
-  return record != nullptr && record->value->isPassport();
-}
-
-void tavuro_Image_setIsPassport(tavuro_Image* record, bool isPassport) {
-  if (record != nullptr) record->value->setIsPassport(isPassport);
-}
-
-// ---------------------------------------------------------------------------
-// Processing mode
-// ---------------------------------------------------------------------------
-
-int64_t tavuro_DocumentProcessingMode_processingMode(void) {
-  return tavuro::rawValue(tavuro::DocumentProcessingMode::processingMode());
-}
-
-void tavuro_DocumentProcessingMode_setDataCaptureProcessingMode(void) {
-  tavuro::DocumentProcessingMode::setDataCaptureProcessingMode();
 }
 
 // ---------------------------------------------------------------------------
@@ -599,144 +416,173 @@ tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(const tavuro_JsonValue* 
 }
 
 // ---------------------------------------------------------------------------
-// Utils
+// Every regular member
 // ---------------------------------------------------------------------------
 
-tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithText(const char* text) {
-  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
-    return wrap<tavuro_JsonDictionary>(tavuro::Utils::convertToDictionary(optionalText(text)));
+#define TAVURO_C_REFERENCE_COUNTING(Type)                        \
+  tavuro_##Type* tavuro_##Type##_retain(tavuro_##Type* handle) { \
+    return retain(handle);                                       \
+  }                                                              \
+  void tavuro_##Type##_release(tavuro_##Type* handle) {          \
+    release(handle);                                             \
+  }
+#define TAVURO_C_CODE(name)                      \
+  int64_t tavuro_TavuroErrorCodes_##name(void) { \
+    return tavuro::TavuroErrorCodes::name;       \
+  }
+#define TAVURO_C_DESCRIPTION(name)                          \
+  const char* tavuro_TavuroErrorDescriptions_##name(void) { \
+    return tavuro::TavuroErrorDescriptions::name;           \
+  }
+
+// BEGIN generated from interface/TavuroCommon.json: wrappers
+TAVURO_C_REFERENCE_COUNTING(TavuroInitializer)
+TAVURO_C_REFERENCE_COUNTING(Endpoints)
+TAVURO_C_REFERENCE_COUNTING(TavuroJwtParser)
+TAVURO_C_REFERENCE_COUNTING(TavuroJwtToken)
+TAVURO_C_REFERENCE_COUNTING(TavuroError)
+TAVURO_C_REFERENCE_COUNTING(Image)
+TAVURO_C_REFERENCE_COUNTING(JsonDictionary)
+TAVURO_C_REFERENCE_COUNTING(JsonArray)
+TAVURO_C_REFERENCE_COUNTING(JsonValue)
+TAVURO_C_REFERENCE_COUNTING(Picture)
+TAVURO_C_REFERENCE_COUNTING(ByteBuffer)
+
+void tavuro_setResourceDirectory(const char* directory) {
+  if (directory == nullptr) return;
+  guardedVoid([&] { tavuro::setResourceDirectory(directory); });
+}
+
+char* tavuro_resourceDirectory(void) {
+  return guarded<char*>(nullptr, [&] { return copyText(tavuro::resourceDirectory()); });
+}
+
+tavuro_TavuroInitializer* tavuro_TavuroInitializer_init(void) {
+  return guarded<tavuro_TavuroInitializer*>(nullptr, [&] {
+    return wrap<tavuro_TavuroInitializer>(std::make_shared<tavuro::TavuroInitializer>());
   });
 }
 
-int64_t tavuro_Utils_getIntValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
-                                                 const char* key) {
-  if (key == nullptr) return 0;
-  return guarded<int64_t>(
-      0, [&] { return tavuro::Utils::getIntValue(optionalDictionary(jsonDict), key); });
+char* tavuro_Credential_username(void) {
+  return guarded<char*>(nullptr, [&] { return copyOptionalText(tavuro::Credential::username()); });
 }
 
-double tavuro_Utils_getDoubleValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
-                                                   const char* key) {
-  if (key == nullptr) return 0.0;
-  return guarded(0.0,
-                 [&] { return tavuro::Utils::getDoubleValue(optionalDictionary(jsonDict), key); });
+char* tavuro_Credential_password(void) {
+  return guarded<char*>(nullptr, [&] { return copyOptionalText(tavuro::Credential::password()); });
 }
 
-char* tavuro_Utils_getStringValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
-                                                  const char* key) {
-  if (key == nullptr) return copyText(std::string_view());
-  return guarded<char*>(nullptr, [&] {
-    return copyText(tavuro::Utils::getStringValue(optionalDictionary(jsonDict), key));
-  });
+char* tavuro_Credential_subscription(void) {
+  return guarded<char*>(nullptr,
+                        [&] { return copyOptionalText(tavuro::Credential::subscription()); });
 }
 
-bool tavuro_Utils_getBooleanValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
-                                                  const char* key) {
-  if (key == nullptr) return false;
-  return guarded(false,
-                 [&] { return tavuro::Utils::getBooleanValue(optionalDictionary(jsonDict), key); });
+tavuro_Endpoints* tavuro_Credential_endpoints(void) {
+  return guarded<tavuro_Endpoints*>(
+      nullptr, [&] { return wrap<tavuro_Endpoints>(tavuro::Credential::endpoints()); });
 }
 
-tavuro_JsonDictionary* tavuro_Utils_getObjectValueWithJsonDict_key(
-    const tavuro_JsonDictionary* jsonDict, const char* key) {
-  if (key == nullptr) return nullptr;
-  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
-    return wrap<tavuro_JsonDictionary>(
-        tavuro::Utils::getObjectValue(optionalDictionary(jsonDict), key));
-  });
+bool tavuro_Credential_removeToken(void) {
+  return guarded<bool>(false, [&] { return tavuro::Credential::removeToken(); });
 }
 
-tavuro_JsonArray* tavuro_Utils_getArrayValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
-                                                             const char* key) {
-  if (key == nullptr) return nullptr;
-  return guarded<tavuro_JsonArray*>(nullptr, [&] {
-    return wrap<tavuro_JsonArray>(tavuro::Utils::getArrayValue(optionalDictionary(jsonDict), key));
-  });
+bool tavuro_Credential_setTokenWithToken(const char* token) {
+  if (token == nullptr) return false;
+  return guarded<bool>(false, [&] { return tavuro::Credential::setToken(token); });
 }
 
-tavuro_JsonArray* tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(
-    const tavuro_JsonDictionary* jsonDict, const char* key) {
-  // The two array getters are one behaviour under two names.
-  return tavuro_Utils_getArrayValueWithJsonDict_key(jsonDict, key);
+bool tavuro_Credential_isCredentialValidWithEndpoint(const char* endpoint) {
+  return guarded<bool>(
+      false, [&] { return tavuro::Credential::isCredentialValid(optionalText(endpoint)); });
 }
 
-char* tavuro_Utils_dateFieldToDateStringWithDateStr(const char* dateStr) {
-  // NULL goes through as absent on purpose: the C++ call stops the process.
-  return guarded<char*>(nullptr, [&] {
-    return copyOptionalText(tavuro::Utils::dateFieldToDateString(optionalText(dateStr)));
-  });
+char* tavuro_Credential_getTavuroAuthHeader(void) {
+  return guarded<char*>(
+      nullptr, [&] { return copyOptionalText(tavuro::Credential::getTavuroAuthHeader()); });
 }
 
-double tavuro_Utils_SENT_IMAGE_QUALITY_JPEG_COMPRESSION(void) {
-  return tavuro::Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION();
+char* tavuro_Credential_getBasicAuthHeader(void) {
+  return guarded<char*>(nullptr,
+                        [&] { return copyOptionalText(tavuro::Credential::getBasicAuthHeader()); });
 }
 
-void tavuro_Utils_setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality) {
-  tavuro::Utils::setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(quality);
+void tavuro_Credential_setUsernameWithUsername(const char* username) {
+  guardedVoid([&] { tavuro::Credential::setUsername(optionalText(username)); });
 }
 
-char* tavuro_Utils_SDK_VERSION_CODE(void) {
-  return guarded<char*>(nullptr, [] { return copyText(tavuro::Utils::SDK_VERSION_CODE()); });
+void tavuro_Credential_setPasswordWithPassword(const char* password) {
+  guardedVoid([&] { tavuro::Credential::setPassword(optionalText(password)); });
 }
 
-void tavuro_Utils_setSDK_VERSION_CODE(const char* versionCode) {
-  if (versionCode == nullptr) return;
-  guardedVoid([&] { tavuro::Utils::setSDK_VERSION_CODE(versionCode); });
+void tavuro_Credential_setSubscriptionWithSubscription(const char* subscription) {
+  guardedVoid([&] { tavuro::Credential::setSubscription(optionalText(subscription)); });
 }
 
-// ---------------------------------------------------------------------------
-// Endpoints
-// ---------------------------------------------------------------------------
+void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints* endpoints) {
+  guardedVoid([&] { tavuro::Credential::setEndpoints(objectOf(endpoints)); });
+}
+
+char* tavuro_Endpoints_frmEndpoint(const tavuro_Endpoints* endpoints) {
+  if (endpoints == nullptr) return nullptr;
+  return guarded<char*>(nullptr, [&] { return copyOptionalText(endpoints->value->frmEndpoint()); });
+}
+
+void tavuro_Endpoints_setFrmEndpoint(tavuro_Endpoints* endpoints, const char* endpoint) {
+  if (endpoints == nullptr) return;
+  guardedVoid([&] { endpoints->value->setFrmEndpoint(optionalText(endpoint)); });
+}
+
+char* tavuro_Endpoints_idEndpoint(const tavuro_Endpoints* endpoints) {
+  if (endpoints == nullptr) return nullptr;
+  return guarded<char*>(nullptr, [&] { return copyOptionalText(endpoints->value->idEndpoint()); });
+}
+
+void tavuro_Endpoints_setIdEndpoint(tavuro_Endpoints* endpoints, const char* endpoint) {
+  if (endpoints == nullptr) return;
+  guardedVoid([&] { endpoints->value->setIdEndpoint(optionalText(endpoint)); });
+}
+
+char* tavuro_Endpoints_passiveLivenessEndpoint(const tavuro_Endpoints* endpoints) {
+  if (endpoints == nullptr) return nullptr;
+  return guarded<char*>(
+      nullptr, [&] { return copyOptionalText(endpoints->value->passiveLivenessEndpoint()); });
+}
+
+void tavuro_Endpoints_setPassiveLivenessEndpoint(tavuro_Endpoints* endpoints,
+                                                 const char* endpoint) {
+  if (endpoints == nullptr) return;
+  guardedVoid([&] { endpoints->value->setPassiveLivenessEndpoint(optionalText(endpoint)); });
+}
+
+char* tavuro_Endpoints_healthInsuranceEndpoint(const tavuro_Endpoints* endpoints) {
+  if (endpoints == nullptr) return nullptr;
+  return guarded<char*>(
+      nullptr, [&] { return copyOptionalText(endpoints->value->healthInsuranceEndpoint()); });
+}
+
+void tavuro_Endpoints_setHealthInsuranceEndpoint(tavuro_Endpoints* endpoints,
+                                                 const char* endpoint) {
+  if (endpoints == nullptr) return;
+  guardedVoid([&] { endpoints->value->setHealthInsuranceEndpoint(optionalText(endpoint)); });
+}
+
+char* tavuro_Endpoints_kelmoEndpoint(const tavuro_Endpoints* endpoints) {
+  if (endpoints == nullptr) return nullptr;
+  return guarded<char*>(nullptr,
+                        [&] { return copyOptionalText(endpoints->value->kelmoEndpoint()); });
+}
+
+void tavuro_Endpoints_setKelmoEndpoint(tavuro_Endpoints* endpoints, const char* endpoint) {
+  if (endpoints == nullptr) return;
+  guardedVoid([&] { endpoints->value->setKelmoEndpoint(optionalText(endpoint)); });
+}
 
 tavuro_Endpoints* tavuro_Endpoints_newInstance(void) {
   return guarded<tavuro_Endpoints*>(
-      nullptr, [] { return wrap<tavuro_Endpoints>(tavuro::Endpoints::newInstance()); });
-}
-
-#define TAVURO_C_ENDPOINT(getter, setter)                                                         \
-  char* tavuro_Endpoints_##getter(const tavuro_Endpoints* endpoints) {                            \
-    if (endpoints == nullptr) return nullptr;                                                     \
-    return guarded<char*>(nullptr, [&] { return copyOptionalText(endpoints->value->getter()); }); \
-  }                                                                                               \
-  void tavuro_Endpoints_##setter(tavuro_Endpoints* endpoints, const char* endpoint) {             \
-    if (endpoints == nullptr) return;                                                             \
-    guardedVoid([&] { endpoints->value->setter(optionalText(endpoint)); });                       \
-  }
-TAVURO_C_ENDPOINT(frmEndpoint, setFrmEndpoint)
-TAVURO_C_ENDPOINT(idEndpoint, setIdEndpoint)
-TAVURO_C_ENDPOINT(passiveLivenessEndpoint, setPassiveLivenessEndpoint)
-TAVURO_C_ENDPOINT(healthInsuranceEndpoint, setHealthInsuranceEndpoint)
-TAVURO_C_ENDPOINT(kelmoEndpoint, setKelmoEndpoint)
-#undef TAVURO_C_ENDPOINT
-
-// ---------------------------------------------------------------------------
-// Tokens
-// ---------------------------------------------------------------------------
-
-tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_initWithValue_expiration(const char* value,
-                                                                      double expiration) {
-  if (value == nullptr) return nullptr;
-  return guarded<tavuro_TavuroJwtToken*>(nullptr, [&] {
-    const tavuro::Instant instant{std::chrono::duration<double>(expiration)};
-    return wrap<tavuro_TavuroJwtToken>(std::make_shared<tavuro::TavuroJwtToken>(value, instant));
-  });
-}
-
-char* tavuro_TavuroJwtToken_value(const tavuro_TavuroJwtToken* token) {
-  return token != nullptr ? copyText(std::string_view(token->value->value())) : nullptr;
-}
-
-double tavuro_TavuroJwtToken_expiration(const tavuro_TavuroJwtToken* token) {
-  return token != nullptr ? token->value->expiration().time_since_epoch().count() : 0.0;
-}
-
-bool tavuro_TavuroJwtToken_isValid(const tavuro_TavuroJwtToken* token) {
-  if (token == nullptr) return false;
-  return guarded(false, [&] { return token->value->isValid(); });
+      nullptr, [&] { return wrap<tavuro_Endpoints>(tavuro::Endpoints::newInstance()); });
 }
 
 tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_init(void) {
-  return guarded<tavuro_TavuroJwtParser*>(nullptr, [] {
+  return guarded<tavuro_TavuroJwtParser*>(nullptr, [&] {
     return wrap<tavuro_TavuroJwtParser>(std::make_shared<tavuro::TavuroJwtParser>());
   });
 }
@@ -758,11 +604,8 @@ tavuro_JsonDictionary* tavuro_TavuroJwtParser_decodeWithJwtToken(
 tavuro_ByteBuffer* tavuro_TavuroJwtParser_base64UrlDecode(const tavuro_TavuroJwtParser* parser,
                                                           const char* text) {
   if (parser == nullptr || text == nullptr) return nullptr;
-  return guarded<tavuro_ByteBuffer*>(nullptr, [&]() -> tavuro_ByteBuffer* {
-    auto bytes = parser->value->base64UrlDecode(text);
-    if (!bytes) return nullptr;
-    return new tavuro_ByteBuffer(std::make_shared<tavuro::ByteBuffer>(std::move(*bytes)));
-  });
+  return guarded<tavuro_ByteBuffer*>(
+      nullptr, [&] { return wrapBytes(parser->value->base64UrlDecode(text)); });
 }
 
 tavuro_JsonDictionary* tavuro_TavuroJwtParser_decodeJWTPart(const tavuro_TavuroJwtParser* parser,
@@ -772,66 +615,299 @@ tavuro_JsonDictionary* tavuro_TavuroJwtParser_decodeJWTPart(const tavuro_TavuroJ
       nullptr, [&] { return wrap<tavuro_JsonDictionary>(parser->value->decodeJWTPart(segment)); });
 }
 
-// ---------------------------------------------------------------------------
-// Credential
-// ---------------------------------------------------------------------------
-
-char* tavuro_Credential_username(void) {
-  return guarded<char*>(nullptr, [] { return copyOptionalText(tavuro::Credential::username()); });
+tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_initWithValue_expiration(const char* value,
+                                                                      double expiration) {
+  if (value == nullptr) return nullptr;
+  return guarded<tavuro_TavuroJwtToken*>(nullptr, [&] {
+    return wrap<tavuro_TavuroJwtToken>(std::make_shared<tavuro::TavuroJwtToken>(
+        value, tavuro::Instant(std::chrono::duration<double>(expiration))));
+  });
 }
 
-char* tavuro_Credential_password(void) {
-  return guarded<char*>(nullptr, [] { return copyOptionalText(tavuro::Credential::password()); });
+char* tavuro_TavuroJwtToken_value(const tavuro_TavuroJwtToken* token) {
+  if (token == nullptr) return nullptr;
+  return guarded<char*>(nullptr, [&] { return copyText(token->value->value()); });
 }
 
-char* tavuro_Credential_subscription(void) {
-  return guarded<char*>(nullptr,
-                        [] { return copyOptionalText(tavuro::Credential::subscription()); });
+double tavuro_TavuroJwtToken_expiration(const tavuro_TavuroJwtToken* token) {
+  if (token == nullptr) return 0.0;
+  return guarded<double>(0.0,
+                         [&] { return token->value->expiration().time_since_epoch().count(); });
 }
 
-tavuro_Endpoints* tavuro_Credential_endpoints(void) {
-  return guarded<tavuro_Endpoints*>(
-      nullptr, [] { return wrap<tavuro_Endpoints>(tavuro::Credential::endpoints()); });
-}
-
-void tavuro_Credential_setUsernameWithUsername(const char* username) {
-  guardedVoid([&] { tavuro::Credential::setUsername(optionalText(username)); });
-}
-
-void tavuro_Credential_setPasswordWithPassword(const char* password) {
-  guardedVoid([&] { tavuro::Credential::setPassword(optionalText(password)); });
-}
-
-void tavuro_Credential_setSubscriptionWithSubscription(const char* subscription) {
-  guardedVoid([&] { tavuro::Credential::setSubscription(optionalText(subscription)); });
-}
-
-void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints* endpoints) {
-  guardedVoid([&] { tavuro::Credential::setEndpoints(objectOf(endpoints)); });
-}
-
-bool tavuro_Credential_removeToken(void) {
-  return guarded(false, [] { return tavuro::Credential::removeToken(); });
-}
-
-bool tavuro_Credential_setTokenWithToken(const char* token) {
+bool tavuro_TavuroJwtToken_isValid(const tavuro_TavuroJwtToken* token) {
   if (token == nullptr) return false;
-  return guarded(false, [&] { return tavuro::Credential::setToken(token); });
+  return guarded<bool>(false, [&] { return token->value->isValid(); });
 }
 
-bool tavuro_Credential_isCredentialValidWithEndpoint(const char* endpoint) {
-  return guarded(false,
-                 [&] { return tavuro::Credential::isCredentialValid(optionalText(endpoint)); });
+tavuro_TavuroError* tavuro_TavuroError_initWithErrorCode_errorDescription(
+    int64_t errorCode, const char* errorDescription) {
+  return guarded<tavuro_TavuroError*>(nullptr, [&] {
+    return wrap<tavuro_TavuroError>(
+        std::make_shared<tavuro::TavuroError>(errorCode, optionalText(errorDescription)));
+  });
 }
 
-char* tavuro_Credential_getTavuroAuthHeader(void) {
+tavuro_TavuroError* tavuro_TavuroError_newInstance(void) {
+  return guarded<tavuro_TavuroError*>(
+      nullptr, [&] { return wrap<tavuro_TavuroError>(tavuro::TavuroError::newInstance()); });
+}
+
+int64_t tavuro_TavuroError_errorCode(const tavuro_TavuroError* error) {
+  if (error == nullptr) return 0;
+  return guarded<int64_t>(0, [&] { return error->value->errorCode(); });
+}
+
+void tavuro_TavuroError_setErrorCode(tavuro_TavuroError* error, int64_t errorCode) {
+  if (error == nullptr) return;
+  guardedVoid([&] { error->value->setErrorCode(errorCode); });
+}
+
+char* tavuro_TavuroError_errorDescription(const tavuro_TavuroError* error) {
+  if (error == nullptr) return nullptr;
   return guarded<char*>(nullptr,
-                        [] { return copyOptionalText(tavuro::Credential::getTavuroAuthHeader()); });
+                        [&] { return copyOptionalText(error->value->errorDescription()); });
 }
 
-char* tavuro_Credential_getBasicAuthHeader(void) {
-  return guarded<char*>(nullptr,
-                        [] { return copyOptionalText(tavuro::Credential::getBasicAuthHeader()); });
+void tavuro_TavuroError_setErrorDescription(tavuro_TavuroError* error,
+                                            const char* errorDescription) {
+  if (error == nullptr) return;
+  guardedVoid([&] { error->value->setErrorDescription(optionalText(errorDescription)); });
 }
+
+tavuro_Image* tavuro_Image_newInstance(void) {
+  return guarded<tavuro_Image*>(nullptr,
+                                [&] { return wrap<tavuro_Image>(tavuro::Image::newInstance()); });
+}
+
+tavuro_Image* tavuro_Image_newInstanceWithImage_data(tavuro_Picture* image,
+                                                     tavuro_ByteBuffer* data) {
+  return guarded<tavuro_Image*>(nullptr, [&] {
+    return wrap<tavuro_Image>(tavuro::Image::newInstance(objectOf(image), objectOf(data)));
+  });
+}
+
+tavuro_Picture* tavuro_Image_image(const tavuro_Image* record) {
+  if (record == nullptr) return nullptr;
+  return guarded<tavuro_Picture*>(nullptr,
+                                  [&] { return wrap<tavuro_Picture>(record->value->image()); });
+}
+
+void tavuro_Image_setImage(tavuro_Image* record, tavuro_Picture* image) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setImage(objectOf(image)); });
+}
+
+tavuro_ByteBuffer* tavuro_Image_data(const tavuro_Image* record) {
+  if (record == nullptr) return nullptr;
+  return guarded<tavuro_ByteBuffer*>(
+      nullptr, [&] { return wrap<tavuro_ByteBuffer>(record->value->data()); });
+}
+
+void tavuro_Image_setData(tavuro_Image* record, tavuro_ByteBuffer* data) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setData(objectOf(data)); });
+}
+
+int64_t tavuro_Image_dpi(const tavuro_Image* record) {
+  if (record == nullptr) return 0;
+  return guarded<int64_t>(0, [&] { return record->value->dpi(); });
+}
+
+void tavuro_Image_setDpi(tavuro_Image* record, int64_t dpi) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setDpi(dpi); });
+}
+
+tavuro_TavuroError* tavuro_Image_error(const tavuro_Image* record) {
+  if (record == nullptr) return nullptr;
+  return guarded<tavuro_TavuroError*>(
+      nullptr, [&] { return wrap<tavuro_TavuroError>(record->value->error()); });
+}
+
+void tavuro_Image_setError(tavuro_Image* record, tavuro_TavuroError* error) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setError(objectOf(error)); });
+}
+
+bool tavuro_Image_isCorrectAspectRatio(const tavuro_Image* record) {
+  if (record == nullptr) return false;
+  return guarded<bool>(false, [&] { return record->value->isCorrectAspectRatio(); });
+}
+
+void tavuro_Image_setIsCorrectAspectRatio(tavuro_Image* record, bool value) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setIsCorrectAspectRatio(value); });
+}
+
+float tavuro_Image_aspectRatio(const tavuro_Image* record) {
+  if (record == nullptr) return 0.0F;
+  return guarded<float>(0.0F, [&] { return record->value->aspectRatio(); });
+}
+
+void tavuro_Image_setAspectRatio(tavuro_Image* record, float aspectRatio) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setAspectRatio(aspectRatio); });
+}
+
+bool tavuro_Image_isPassport(const tavuro_Image* record) {
+  if (record == nullptr) return false;
+  return guarded<bool>(false, [&] { return record->value->isPassport(); });
+}
+
+void tavuro_Image_setIsPassport(tavuro_Image* record, bool isPassport) {
+  if (record == nullptr) return;
+  guardedVoid([&] { record->value->setIsPassport(isPassport); });
+}
+
+int64_t tavuro_DocumentProcessingMode_processingMode(void) {
+  return guarded<int64_t>(
+      0, [&] { return tavuro::rawValue(tavuro::DocumentProcessingMode::processingMode()); });
+}
+
+void tavuro_DocumentProcessingMode_setDataCaptureProcessingMode(void) {
+  guardedVoid([&] { tavuro::DocumentProcessingMode::setDataCaptureProcessingMode(); });
+}
+
+tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithText(const char* text) {
+  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
+    return wrap<tavuro_JsonDictionary>(tavuro::Utils::convertToDictionary(optionalText(text)));
+  });
+}
+
+int64_t tavuro_Utils_getIntValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
+                                                 const char* key) {
+  if (key == nullptr) return 0;
+  return guarded<int64_t>(0,
+                          [&] { return tavuro::Utils::getIntValue(optionalValue(jsonDict), key); });
+}
+
+double tavuro_Utils_getDoubleValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
+                                                   const char* key) {
+  if (key == nullptr) return 0.0;
+  return guarded<double>(
+      0.0, [&] { return tavuro::Utils::getDoubleValue(optionalValue(jsonDict), key); });
+}
+
+char* tavuro_Utils_getStringValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
+                                                  const char* key) {
+  if (key == nullptr) return copyText("");
+  return guarded<char*>(nullptr, [&] {
+    return copyText(tavuro::Utils::getStringValue(optionalValue(jsonDict), key));
+  });
+}
+
+bool tavuro_Utils_getBooleanValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
+                                                  const char* key) {
+  if (key == nullptr) return false;
+  return guarded<bool>(
+      false, [&] { return tavuro::Utils::getBooleanValue(optionalValue(jsonDict), key); });
+}
+
+tavuro_JsonDictionary* tavuro_Utils_getObjectValueWithJsonDict_key(
+    const tavuro_JsonDictionary* jsonDict, const char* key) {
+  if (key == nullptr) return nullptr;
+  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
+    return wrap<tavuro_JsonDictionary>(tavuro::Utils::getObjectValue(optionalValue(jsonDict), key));
+  });
+}
+
+tavuro_JsonArray* tavuro_Utils_getArrayValueWithJsonDict_key(const tavuro_JsonDictionary* jsonDict,
+                                                             const char* key) {
+  if (key == nullptr) return nullptr;
+  return guarded<tavuro_JsonArray*>(nullptr, [&] {
+    return wrap<tavuro_JsonArray>(tavuro::Utils::getArrayValue(optionalValue(jsonDict), key));
+  });
+}
+
+tavuro_JsonArray* tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(
+    const tavuro_JsonDictionary* jsonDict, const char* key) {
+  if (key == nullptr) return nullptr;
+  return guarded<tavuro_JsonArray*>(nullptr, [&] {
+    return wrap<tavuro_JsonArray>(
+        tavuro::Utils::getArrayValueFromJson(optionalValue(jsonDict), key));
+  });
+}
+
+char* tavuro_Utils_dateFieldToDateStringWithDateStr(const char* dateStr) {
+  return guarded<char*>(nullptr, [&] {
+    return copyOptionalText(tavuro::Utils::dateFieldToDateString(optionalText(dateStr)));
+  });
+}
+
+double tavuro_Utils_SENT_IMAGE_QUALITY_JPEG_COMPRESSION(void) {
+  return guarded<double>(0.0, [&] { return tavuro::Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION(); });
+}
+
+void tavuro_Utils_setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality) {
+  guardedVoid([&] { tavuro::Utils::setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(quality); });
+}
+
+char* tavuro_Utils_SDK_VERSION_CODE(void) {
+  return guarded<char*>(nullptr, [&] { return copyText(tavuro::Utils::SDK_VERSION_CODE()); });
+}
+
+void tavuro_Utils_setSDK_VERSION_CODE(const char* versionCode) {
+  if (versionCode == nullptr) return;
+  guardedVoid([&] { tavuro::Utils::setSDK_VERSION_CODE(versionCode); });
+}
+
+TAVURO_C_CODE(ERROR_InvalidCredentials)
+TAVURO_C_CODE(ERROR_InitializationNotFinished)
+TAVURO_C_CODE(ERROR_Network)
+TAVURO_C_CODE(ERROR_InvalidJson)
+TAVURO_C_CODE(ERROR_CouldNotCrop)
+TAVURO_C_CODE(ERROR_CouldNotCreateConnectInstance)
+TAVURO_C_CODE(ERROR_CouldNotUploadConnectImage)
+TAVURO_C_CODE(ERROR_CouldNotUploadConnectBarcode)
+TAVURO_C_CODE(ERROR_CouldNotGetConnectData)
+TAVURO_C_CODE(ERROR_CouldNotClassifyDocument)
+TAVURO_C_CODE(ERROR_LowResolutionImage)
+TAVURO_C_CODE(ERROR_BlurryImage)
+TAVURO_C_CODE(ERROR_ImageWithGlare)
+TAVURO_C_CODE(ERROR_CouldNotGetIPLivenessToken)
+TAVURO_C_CODE(ERROR_NotALiveFace)
+TAVURO_C_CODE(ERROR_CouldNotAccessLivenessData)
+TAVURO_C_CODE(ERROR_CouldNotAccessCredential)
+TAVURO_C_CODE(ERROR_USER_CANCELED_ACTIVITY)
+TAVURO_C_CODE(ERROR_INVALID_PARAMETER)
+TAVURO_C_CODE(ERROR_KelmoInvalidFormat)
+TAVURO_C_CODE(ERROR_EChipReadError)
+TAVURO_C_CODE(ERROR_InvalidNfcTag)
+TAVURO_C_CODE(ERROR_InvalidNfcKeyFormatting)
+
+TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidCredentials)
+TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidEndpoint)
+TAVURO_C_DESCRIPTION(ERROR_DESC_Network)
+TAVURO_C_DESCRIPTION(ERROR_DESC_InitializationNotFinished)
+TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidJson)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotCrop)
+TAVURO_C_DESCRIPTION(ERROR_DESC_BarcodeCaptureFailed)
+TAVURO_C_DESCRIPTION(ERROR_DESC_BarcodeCaptureTimedOut)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotCreateConnectInstance)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotUploadConnectImage)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotUploadConnectBarcode)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetConnectData)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CardWidthNotSet)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetHealthCardData)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotClassifyDocument)
+TAVURO_C_DESCRIPTION(ERROR_DESC_LowResolutionImage)
+TAVURO_C_DESCRIPTION(ERROR_DESC_BlurryImage)
+TAVURO_C_DESCRIPTION(ERROR_DESC_ImageWithGlare)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotGetIPLivenessToken)
+TAVURO_C_DESCRIPTION(ERROR_DESC_NotALiveFace)
+TAVURO_C_DESCRIPTION(ERROR_DESC_CouldNotAccessLivenessData)
+TAVURO_C_DESCRIPTION(ERROR_DESC_ERROR_CouldNotAccessCredential)
+TAVURO_C_DESCRIPTION(ERROR_DESC_USER_CANCELED_ACTIVITY)
+TAVURO_C_DESCRIPTION(ERROR_DESC_INVALID_PARAMETERS)
+TAVURO_C_DESCRIPTION(ERROR_DESC_KelmoInvalidFormat)
+TAVURO_C_DESCRIPTION(ERROR_DESC_EChipReadError)
+TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidNfcTag)
+TAVURO_C_DESCRIPTION(ERROR_DESC_InvalidNfcKeyFormatting)
+// END generated: wrappers
+
+#undef TAVURO_C_REFERENCE_COUNTING
+#undef TAVURO_C_CODE
+#undef TAVURO_C_DESCRIPTION
 
 }  // extern "C"

@@ -4,17 +4,17 @@
 #include <string_view>
 
 #include "TavuroCommon/TavuroCommon.h"
+#include "common/JsonAccess.h"
 #include "platform/Base64.h"
-#include "platform/Json.h"
 
 namespace tavuro {
 namespace {
 
 std::optional<JsonDictionary> objectFromJson(const std::vector<std::uint8_t>& bytes) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  platform::JsonParseResult parsed = platform::parseJson(text);
-  if (!parsed.value) return std::nullopt;
-  return parsed.value->dictionaryValue();
+  const std::optional<JsonValue> value = detail::readJson(text).value;
+  if (!value) return std::nullopt;
+  return value->dictionaryValue();
 }
 
 // The second "."-separated segment, or nothing when the token has no ".".

@@ -8,10 +8,12 @@ TavuroJwtToken::TavuroJwtToken(std::string value, Instant expiration)
 
 TavuroJwtToken::~TavuroJwtToken() = default;
 
-bool TavuroJwtToken::isValid() const {
+bool TavuroJwtToken::isValid() const { return isValidAt(platform::wallClockNow()); }
+
+bool TavuroJwtToken::isValidAt(Instant now) const noexcept {
   // Strict and without margin: the token is already unusable at the very
   // instant of its expiry.
-  return platform::currentClock().now() < expiration_;
+  return now < expiration_;
 }
 
 }  // namespace tavuro

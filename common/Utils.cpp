@@ -1,12 +1,12 @@
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
 #include <new>
 
 #include "TavuroCommon/TavuroCommon.h"
+#include "common/JsonAccess.h"
 #include "platform/DateFormat.h"
-#include "platform/Json.h"
-#include "platform/JsonDocument.h"
 #include "platform/NoDestructor.h"
 
 namespace tavuro {
@@ -58,8 +58,8 @@ namespace {
 
 // The stored value under `key`, or null when the dictionary is absent or has
 // no such key. A borrowed pointer: the caller's dictionary keeps it alive.
-const detail::JsonNode* lookUp(const std::optional<JsonDictionary>& jsonDict,
-                               const std::string& key) noexcept {
+const platform::JsonNode* lookUp(const std::optional<JsonDictionary>& jsonDict,
+                                 const std::string& key) noexcept {
   if (!jsonDict) return nullptr;
   return detail::JsonAccess::find(*jsonDict, key);
 }
@@ -68,7 +68,7 @@ const detail::JsonNode* lookUp(const std::optional<JsonDictionary>& jsonDict,
 
 std::optional<JsonDictionary> Utils::convertToDictionary(const std::optional<std::string>& text) {
   if (!text) return std::nullopt;
-  platform::JsonParseResult parsed = platform::parseJson(*text);
+  detail::JsonReadResult parsed = detail::readJson(*text);
   if (!parsed.value) {
     try {
       const std::string line = parsed.errorDescription + "\n";
@@ -83,20 +83,20 @@ std::optional<JsonDictionary> Utils::convertToDictionary(const std::optional<std
 
 std::int64_t Utils::getIntValue(const std::optional<JsonDictionary>& jsonDict,
                                 const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  return node == nullptr ? 0 : detail::exactInt64(*node).value_or(0);
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  return node == nullptr ? 0 : platform::exactInt64(*node).value_or(0);
 }
 
 double Utils::getDoubleValue(const std::optional<JsonDictionary>& jsonDict,
                              const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  return node == nullptr ? 0.0 : detail::exactDouble(*node).value_or(0.0);
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  return node == nullptr ? 0.0 : platform::exactDouble(*node).value_or(0.0);
 }
 
 std::string Utils::getStringValue(const std::optional<JsonDictionary>& jsonDict,
                                   const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  if (node == nullptr || node->type != detail::NodeType::String) return {};
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  if (node == nullptr || node->type != platform::NodeType::String) return {};
   try {
     return std::string(node->payload.chars, node->size);
   } catch (const std::bad_alloc&) {
@@ -106,21 +106,21 @@ std::string Utils::getStringValue(const std::optional<JsonDictionary>& jsonDict,
 
 bool Utils::getBooleanValue(const std::optional<JsonDictionary>& jsonDict,
                             const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  return node != nullptr && detail::exactBool(*node).value_or(false);
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  return node != nullptr && platform::exactBool(*node).value_or(false);
 }
 
 std::optional<JsonDictionary> Utils::getObjectValue(const std::optional<JsonDictionary>& jsonDict,
                                                     const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  if (node == nullptr || node->type != detail::NodeType::Object) return std::nullopt;
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  if (node == nullptr || node->type != platform::NodeType::Object) return std::nullopt;
   return detail::JsonAccess::dictionary(*jsonDict, node);
 }
 
 std::optional<JsonArray> Utils::getArrayValue(const std::optional<JsonDictionary>& jsonDict,
                                               const std::string& key) {
-  const detail::JsonNode* node = lookUp(jsonDict, key);
-  if (node == nullptr || node->type != detail::NodeType::Array) return std::nullopt;
+  const platform::JsonNode* node = lookUp(jsonDict, key);
+  if (node == nullptr || node->type != platform::NodeType::Array) return std::nullopt;
   return detail::JsonAccess::array(*jsonDict, node);
 }
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "common/CredentialFile.h"
+#include "common/CredentialStore.h"
 
 namespace {
 

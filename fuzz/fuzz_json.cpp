@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "TavuroCommon/TavuroCommon.h"
+#include "common/JsonAccess.h"
 #include "platform/Json.h"
 
 namespace {
@@ -110,7 +111,7 @@ void write(const tavuro::JsonValue& value, std::string& out) {
 // out again; empty when `bytes` is no JSON text. The document is gone on
 // return, and a large one has left its node chunks to the pool.
 std::string readAndWrite(std::string_view bytes) {
-  const tavuro::platform::JsonParseResult result = tavuro::platform::parseJson(bytes);
+  const tavuro::detail::JsonReadResult result = tavuro::detail::readJson(bytes);
   std::string text;
   if (!result.value) {
     check(!result.errorDescription.empty());

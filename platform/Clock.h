@@ -1,25 +1,18 @@
-// The wall clock, replaceable in tests so that expiry can be checked at an
-// exact instant without sleeping.
+// The wall clock.
 #ifndef TAVURO_PLATFORM_CLOCK_H_
 #define TAVURO_PLATFORM_CLOCK_H_
 
-#include "TavuroCommon/TavuroCommon.h"
+#include <chrono>
 
 namespace tavuro::platform {
 
-class Clock {
- public:
-  virtual ~Clock() = default;
-  /// The current wall-clock time.
-  virtual Instant now() const = 0;
-};
+/// A point in wall-clock time: double-precision seconds since
+/// 1970-01-01T00:00:00 UTC on the system clock.
+using WallTime = std::chrono::time_point<std::chrono::system_clock, std::chrono::duration<double>>;
 
-/// The clock the library reads: the system clock unless a test replaced it.
-const Clock& currentClock() noexcept;
-
-/// Makes the library read `clock` (not owned; it must outlive its use), or
-/// the system clock again when `clock` is null. For tests.
-void setClockForTesting(const Clock* clock) noexcept;
+/// The current wall-clock time. Whoever must be tested at an exact instant
+/// takes the clock as a function of this shape instead of calling it.
+WallTime wallClockNow() noexcept;
 
 }  // namespace tavuro::platform
 

@@ -18,15 +18,6 @@
 #endif
 
 namespace tavuro::platform {
-namespace {
-
-std::atomic<WriteFunction> g_writeFunction{nullptr};
-
-}  // namespace
-
-void setWriteFunctionForTesting(WriteFunction function) noexcept {
-  g_writeFunction.store(function, std::memory_order_release);
-}
 
 #if defined(TAVURO_POSIX_FILES)
 namespace {
@@ -37,8 +28,7 @@ long systemWrite(int fd, const void* bytes, std::size_t count) {
   return static_cast<long>(::write(fd, bytes, count));
 }
 
-bool writeAll(int fd, std::string_view bytes) {
-  WriteFunction write = g_writeFunction.load(std::memory_order_acquire);
+bool writeAll(int fd, std::string_view bytes, WriteFunction write) {
   if (write == nullptr) write = systemWrite;
   while (!bytes.empty()) {
     const long written = write(fd, bytes.data(), bytes.size());
@@ -253,7 +243,7 @@ Outcome replaceThrough(bool unnamed, const std::string& path, std::string_view b
     file = std::move(*named);
   }
   reach(AtomicWriteStep::kCreated);
-  bool ok = writeAll(file.fd, bytes) && seal(file.fd, inheritanceFrom(path));
+  bool ok = writeAll(file.fd, bytes, options.write) && seal(file.fd, inheritanceFrom(path));
   if (ok) reach(AtomicWriteStep::kFlushed);
   bool cannotName = false;
   if (ok && unnamed) {

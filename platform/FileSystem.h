@@ -32,8 +32,15 @@ enum class AtomicWriteStep {
   kReplaced,  // the rename is done, the directory not yet flushed
 };
 
+/// The write step of `writeFileAtomically`, with the contract of POSIX
+/// write(): bytes written, or -1 with errno set.
+using WriteFunction = long (*)(int fd, const void* bytes, std::size_t count);
+
 /// Test seams of `writeFileAtomically`; the defaults are the real thing.
 struct AtomicWriteOptions {
+  /// Writes the bytes; null: the write() system call. A test makes a write
+  /// fail part-way with it.
+  WriteFunction write = nullptr;
   /// Called at each step, in the order above.
   void (*atStep)(AtomicWriteStep) = nullptr;
   /// False forces the named temporary file that systems without unnamed
@@ -67,14 +74,6 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes,
 /// for `path` left beside it, those of processes that no longer run. Other
 /// files are never touched. Best effort: failures are ignored.
 void removeStaleTemporaries(const std::string& path) noexcept;
-
-/// The write step of `writeFileAtomically`, with the contract of POSIX
-/// write(): bytes written, or -1 with errno set.
-using WriteFunction = long (*)(int fd, const void* bytes, std::size_t count);
-
-/// Makes `writeFileAtomically` write through `function` (null restores the
-/// system call), so that tests can make a write fail part-way.
-void setWriteFunctionForTesting(WriteFunction function) noexcept;
 
 }  // namespace tavuro::platform
 

@@ -1,6 +1,6 @@
-// The JSON reader behind `JsonValue`: RFC 8259, with the top level an
-// object or an array only, the first of repeated keys kept, nesting limited
-// to 512 levels, and UTF-8, UTF-16 or UTF-32 input detected.
+// The JSON reader: RFC 8259, with the top level an object or an array only,
+// the first of repeated keys kept, nesting limited to 512 levels, and UTF-8,
+// UTF-16 or UTF-32 input detected.
 //
 // Memory: a document holds a copy of its text and 16 bytes per value and per
 // key. When a large document goes away, up to 8 MB of its node memory is
@@ -8,17 +8,18 @@
 #ifndef TAVURO_PLATFORM_JSON_H_
 #define TAVURO_PLATFORM_JSON_H_
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include "TavuroCommon/TavuroCommon.h"
-
 namespace tavuro::platform {
 
+struct JsonDocument;  // platform/JsonDocument.h
+
 struct JsonParseResult {
-  /// The top-level object or array; nullopt on a parse error.
-  std::optional<JsonValue> value;
+  /// The parsed text, its top-level object or array at `root`; null on a
+  /// parse error.
+  std::shared_ptr<const JsonDocument> document;
   /// On a parse error, one line saying what is wrong and where, such as
   /// "Unexpected character 'x' at line 1, column 7."; empty otherwise.
   std::string errorDescription;

@@ -21,8 +21,7 @@
 #include <sanitizer/asan_interface.h>
 #endif
 
-namespace tavuro {
-namespace detail {
+namespace tavuro::platform {
 
 std::uint64_t processHashSeed() noexcept {
   static const std::uint64_t seed = [] {
@@ -60,7 +59,7 @@ class ChunkPool {
   static constexpr std::size_t kMaxPooledChunks = 128;        // 8 MB
 
   static ChunkPool& instance() {
-    static platform::NoDestructor<ChunkPool> pool;
+    static NoDestructor<ChunkPool> pool;
     return *pool;
   }
 
@@ -146,13 +145,8 @@ void* NodeArena::allocateSlow(std::size_t bytes) {
   return chunk;
 }
 
-}  // namespace detail
-
-namespace platform {
-
 void releaseJsonMemory() noexcept {
-  detail::NodeArena::freeChunks(detail::ChunkPool::instance().takeAll());
+  NodeArena::freeChunks(ChunkPool::instance().takeAll());
 }
 
-}  // namespace platform
-}  // namespace tavuro
+}  // namespace tavuro::platform

@@ -1,5 +1,5 @@
-// The in-memory form of a parsed JSON text, shared by every JsonValue,
-// JsonArray and JsonDictionary made from it.
+// The in-memory form of a parsed JSON text: what the reader makes, and the
+// lookups and exact number conversions that read it.
 //
 // One document owns its text (strings were unescaped in place, so every
 // string is a view into it) and an arena of 16-byte nodes. The children of a
@@ -10,15 +10,14 @@
 #define TAVURO_PLATFORM_JSONDOCUMENT_H_
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <string_view>
 
-#include "TavuroCommon/TavuroCommon.h"
-
-namespace tavuro::detail {
+namespace tavuro::platform {
 
 enum class NodeType : std::uint8_t {
   Null,
@@ -95,10 +94,13 @@ class NodeArena {
   std::size_t nextChunkSize_ = 2048;
 };
 
+/// One parsed text. Immutable once the reader hands it out, so it may be
+/// read from any number of threads.
 struct JsonDocument {
   std::unique_ptr<char[]> text;
   NodeArena arena;
   std::uint64_t hashSeed = 0;
+  /// The top-level object or array.
   JsonNode root{};
 };
 
@@ -255,26 +257,6 @@ inline std::optional<bool> exactBool(const JsonNode& node) noexcept {
   return std::nullopt;
 }
 
-/// The private door into the value classes for the library's own code
-/// (`Utils` getters and the reader), which must not pay for reference
-/// counting on every lookup.
-struct JsonAccess {
-  static const JsonNode* find(const JsonDictionary& dictionary, std::string_view key) noexcept {
-    if (dictionary.node_ == nullptr) return nullptr;
-    return findMember(*dictionary.document_, *dictionary.node_, key);
-  }
-  static JsonDictionary dictionary(const JsonDictionary& owner, const JsonNode* node) {
-    return JsonDictionary(owner.document_, node);
-  }
-  static JsonArray array(const JsonDictionary& owner, const JsonNode* node) {
-    return JsonArray(owner.document_, node);
-  }
-  static JsonValue value(std::shared_ptr<const JsonDocument> document,
-                         const JsonNode* node) noexcept {
-    return JsonValue(std::move(document), node);
-  }
-};
-
-}  // namespace tavuro::detail
+}  // namespace tavuro::platform
 
 #endif  // TAVURO_PLATFORM_JSONDOCUMENT_H_

@@ -37,9 +37,6 @@
 namespace tavuro::platform {
 namespace {
 
-using detail::JsonNode;
-using detail::NodeType;
-
 constexpr std::size_t kMaxDepth = 512;
 // Below this many members an object is searched front to back; from it on it
 // gets a hash index.
@@ -131,7 +128,7 @@ inline char* findSpecial(char* p) noexcept {
   }
 #else
   for (;;) {
-    if (wordHasSpecial(detail::load64(p))) {
+    if (wordHasSpecial(load64(p))) {
       while (!kTables.stringSpecial[byteAt(p)]) ++p;
       return p;
     }
@@ -145,13 +142,13 @@ inline char* findSpecial(char* p) noexcept {
 /// is stored. Cheaper than a call to memmove for these sizes.
 inline void moveShort(char* dst, const char* src, unsigned n) noexcept {
   if (n >= 8) {
-    const std::uint64_t head = detail::load64(src);
-    const std::uint64_t tail = detail::load64(src + n - 8);
+    const std::uint64_t head = load64(src);
+    const std::uint64_t tail = load64(src + n - 8);
     std::memcpy(dst, &head, 8);
     std::memcpy(dst + n - 8, &tail, 8);
   } else if (n >= 4) {
-    const std::uint32_t head = detail::load32(src);
-    const std::uint32_t tail = detail::load32(src + n - 4);
+    const std::uint32_t head = load32(src);
+    const std::uint32_t tail = load32(src + n - 4);
     std::memcpy(dst, &head, 4);
     std::memcpy(dst + n - 4, &tail, 4);
   } else if (n > 0) {
@@ -193,7 +190,7 @@ inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
   }
 #else
   for (;;) {
-    const std::uint64_t v = detail::load64(src);
+    const std::uint64_t v = load64(src);
     if (!wordHasSpecial(v)) {
       std::memcpy(dst, &v, sizeof v);
       src += 8;
@@ -205,7 +202,6 @@ inline void moveUntilSpecial(char*& src, char*& dst) noexcept {
   }
 #endif
 }
-
 
 // ---------------------------------------------------------------------------
 // Numbers
@@ -292,7 +288,7 @@ struct Children {
 
 class Reader {
  public:
-  Reader(char* text, std::size_t size, detail::JsonDocument& document)
+  Reader(char* text, std::size_t size, JsonDocument& document)
       : p_(text), begin_(text), end_(text + size), document_(document) {}
 
   bool parse();
@@ -350,13 +346,13 @@ class Reader {
   JsonNode* copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount);
   Children finishObject(JsonNode* members, std::uint32_t count);
   static std::uint32_t removeLaterDuplicates(JsonNode* members, std::uint32_t count);
-  std::uint32_t indexKeys(JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+  std::uint32_t indexKeys(JsonNode* members, std::uint32_t count, KeySlot* slots,
                           unsigned bits) const;
 
   char* p_;
   char* const begin_;
   char* const end_;
-  detail::JsonDocument& document_;
+  JsonDocument& document_;
   NodeStack pending_;
   Frame frames_[kMaxDepth];
   std::size_t depth_ = 0;
@@ -474,7 +470,7 @@ void Reader::close() {
 }
 
 JsonNode* Reader::copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount) {
-  const std::size_t bytes = count * sizeof(JsonNode) + slotCount * sizeof(detail::KeySlot);
+  const std::size_t bytes = count * sizeof(JsonNode) + slotCount * sizeof(KeySlot);
   if (bytes == 0) return nullptr;
   auto* block = static_cast<JsonNode*>(document_.arena.allocate(bytes));
   if (count <= 8) {
@@ -707,26 +703,26 @@ Children Reader::finishObject(JsonNode* members, std::uint32_t count) {
   while ((std::size_t{1} << bits) < 2 * static_cast<std::size_t>(count)) ++bits;
   const std::size_t slotCount = std::size_t{1} << bits;
   JsonNode* const block = copyToArena(members, 2 * std::size_t{count}, slotCount);
-  auto* const slots = reinterpret_cast<detail::KeySlot*>(block + 2 * std::size_t{count});
-  std::fill(slots, slots + slotCount, detail::KeySlot{});
+  auto* const slots = reinterpret_cast<KeySlot*>(block + 2 * std::size_t{count});
+  std::fill(slots, slots + slotCount, KeySlot{});
   const std::uint32_t kept = indexKeys(block, count, slots, bits);
   if (kept != count) {
     // Lookups expect the slots right behind the members.
     std::memmove(static_cast<void*>(block + 2 * std::size_t{kept}), slots,
-                 slotCount * sizeof(detail::KeySlot));
+                 slotCount * sizeof(KeySlot));
   }
   return Children{block, kept, static_cast<std::uint8_t>(bits)};
 }
 
 // Fills the hash slots and drops every member whose key is already there,
 // moving later members forward; returns the number kept.
-std::uint32_t Reader::indexKeys(JsonNode* members, std::uint32_t count, detail::KeySlot* slots,
+std::uint32_t Reader::indexKeys(JsonNode* members, std::uint32_t count, KeySlot* slots,
                                 unsigned bits) const {
   const std::size_t mask = (std::size_t{1} << bits) - 1;
   std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     const JsonNode& key = members[2 * i];
-    const std::uint64_t hash = detail::hashKey(key.payload.chars, key.size, document_.hashSeed);
+    const std::uint64_t hash = hashKey(key.payload.chars, key.size, document_.hashSeed);
     const auto tag = static_cast<std::uint32_t>(hash >> 32);
     std::size_t slot = hash & mask;
     bool duplicate = false;
@@ -741,7 +737,7 @@ std::uint32_t Reader::indexKeys(JsonNode* members, std::uint32_t count, detail::
       members[2 * kept] = members[2 * i];
       members[2 * kept + 1] = members[2 * i + 1];
     }
-    slots[slot] = detail::KeySlot{tag, ++kept};
+    slots[slot] = KeySlot{tag, ++kept};
   }
   return kept;
 }
@@ -789,8 +785,8 @@ JsonParseResult parseJson(std::string_view bytes) {
       result.errorDescription = describeJsonError(bytes, input.error, input.errorOffset);
       return result;
     }
-    auto document = std::make_shared<detail::JsonDocument>();
-    document->hashSeed = detail::processHashSeed();
+    auto document = std::make_shared<JsonDocument>();
+    document->hashSeed = processHashSeed();
     char* const text = input.text.get();
     document->text = std::move(input.text);
     Reader reader(text, input.size, *document);
@@ -798,10 +794,9 @@ JsonParseResult parseJson(std::string_view bytes) {
       result.errorDescription = describeJsonError(bytes, reader.errorKind(), reader.errorOffset());
       return result;
     }
-    const detail::JsonNode* root = &document->root;
-    result.value = detail::JsonAccess::value(std::move(document), root);
+    result.document = std::move(document);
   } catch (...) {  // out of memory; nothing else is thrown here
-    result.value.reset();
+    result.document.reset();
     try {
       result.errorDescription = "Not enough memory to read the JSON text.";
     } catch (...) {

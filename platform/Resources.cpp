@@ -1,9 +1,8 @@
 #include "platform/Resources.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <mutex>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #if defined(__APPLE__)
@@ -13,21 +12,8 @@
 #include <unistd.h>
 #endif
 
-#include "TavuroCommon/TavuroCommon.h"
-#include "platform/NoDestructor.h"
-
-namespace tavuro {
+namespace tavuro::platform {
 namespace {
-
-struct ResourceOverride {
-  std::mutex mutex;
-  std::string directory;
-};
-
-ResourceOverride& resourceOverride() {
-  static platform::NoDestructor<ResourceOverride> instance;
-  return *instance;
-}
 
 std::string directoryOf(const std::string& path) {
   const auto slash = path.find_last_of('/');
@@ -68,29 +54,11 @@ bool isRegularFile(const std::string& path) {
 
 }  // namespace
 
-void setResourceDirectory(const std::string& directory) {
-  ResourceOverride& state = resourceOverride();
-  std::lock_guard<std::mutex> lock(state.mutex);
-  state.directory = directory;
-}
-
-std::string resourceDirectory() {
-  {
-    ResourceOverride& state = resourceOverride();
-    std::lock_guard<std::mutex> lock(state.mutex);
-    if (!state.directory.empty()) return state.directory;
-  }
-  const char* fromEnvironment = std::getenv("TAVURO_RESOURCE_PATH");
-  if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
-  return platform::executableDirectory();
-}
-
-namespace platform {
-
 std::string executableDirectory() { return directoryOf(executablePath()); }
 
-std::optional<std::string> pathForResource(std::string_view name, std::string_view type) {
-  std::string path = resourceDirectory();
+std::optional<std::string> pathForResource(std::string directory, std::string_view name,
+                                           std::string_view type) {
+  std::string path = std::move(directory);
   if (path.empty()) return std::nullopt;
   if (path.back() != '/') path += '/';
   path.append(name).append(".").append(type);
@@ -98,5 +66,4 @@ std::optional<std::string> pathForResource(std::string_view name, std::string_vi
   return path;
 }
 
-}  // namespace platform
-}  // namespace tavuro
+}  // namespace tavuro::platform

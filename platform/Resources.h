@@ -1,5 +1,5 @@
-// The host's resources outside a phone: a directory standing for the main
-// resource bundle, and the lookup of a named resource in it.
+// The host's resources outside a phone: the lookup of a named resource in a
+// directory that stands for the main resource bundle.
 #ifndef TAVURO_PLATFORM_RESOURCES_H_
 #define TAVURO_PLATFORM_RESOURCES_H_
 
@@ -13,10 +13,11 @@ namespace tavuro::platform {
 /// the loader's executable path); empty where it cannot be determined.
 std::string executableDirectory();
 
-/// "<resourceDirectory()>/<name>.<type>" when that is a regular file (or a
-/// link to one); nullopt when it is missing, is anything else, or no
-/// resource directory can be determined.
-std::optional<std::string> pathForResource(std::string_view name, std::string_view type);
+/// "<directory>/<name>.<type>" when that is a regular file (or a link to
+/// one); nullopt when it is missing, is anything else, or `directory` is
+/// empty.
+std::optional<std::string> pathForResource(std::string directory, std::string_view name,
+                                           std::string_view type);
 
 }  // namespace tavuro::platform
 

@@ -75,6 +75,55 @@ static void error_tables(void) {
   CHECK(tavuro_TavuroErrorCodes_ERROR_InvalidNfcKeyFormatting() == -62);
 }
 
+static int same_text(const char* a, const char* b) {
+  return (a == NULL || b == NULL) ? a == b : strcmp(a, b) == 0;
+}
+
+/* The lookup by code answers with the table's own names and texts, the
+ * irregular ones included; the whole table lists the codes from -1 down,
+ * then the texts without a code. */
+static void error_lookup(void) {
+  static const tavuro_TavuroErrorInfo known[] = {
+      {-1, "ERROR_InvalidCredentials", "ERROR_DESC_InvalidCredentials", "Invalid credentials"},
+      {-5, "ERROR_Network", "ERROR_DESC_Network", "Network problem"},
+      {-27, "ERROR_CouldNotAccessCredential", "ERROR_DESC_ERROR_CouldNotAccessCredential",
+       "Could not get credential"},
+      {-29, "ERROR_INVALID_PARAMETER", "ERROR_DESC_INVALID_PARAMETERS", "Invalid Parameters."},
+      {-62, "ERROR_InvalidNfcKeyFormatting", "ERROR_DESC_InvalidNfcKeyFormatting",
+       "Decryption key formatted incorrectly. Check DOB, DOE, and doc number."},
+      {0, NULL, "ERROR_DESC_CardWidthNotSet", "Card width not set"}, /* no code */
+  };
+  tavuro_TavuroErrorInfo all[64];
+  const size_t count = tavuro_TavuroErrorInfo_all(all, 64);
+  CHECK(count > 0 && count <= 64 && tavuro_TavuroErrorInfo_all(NULL, 0) == count);
+  for (size_t i = 0; i < sizeof known / sizeof known[0]; ++i) {
+    tavuro_TavuroErrorInfo info = {1, NULL, NULL, NULL};
+    const bool found = tavuro_TavuroErrorInfo_forCode(known[i].code, &info);
+    CHECK(found == (known[i].codeName != NULL));
+    if (!found) { /* a text without a code is only in the whole table */
+      for (size_t j = 0; j < count && j < 64; ++j) {
+        if (same_text(all[j].descriptionName, known[i].descriptionName)) info = all[j];
+      }
+    }
+    CHECK(info.code == known[i].code && same_text(info.codeName, known[i].codeName) &&
+          same_text(info.descriptionName, known[i].descriptionName) &&
+          same_text(info.description, known[i].description));
+  }
+  const int64_t unknown[] = {0, 1, -2, -63};
+  for (size_t i = 0; i < sizeof unknown / sizeof unknown[0]; ++i) {
+    CHECK(!tavuro_TavuroErrorInfo_forCode(unknown[i], NULL));
+  }
+  for (size_t i = 1; i < count && i < 64; ++i) {
+    const bool ordered =
+        all[i].codeName == NULL || (all[i - 1].codeName != NULL && all[i].code < all[i - 1].code);
+    CHECK(ordered && (all[i].codeName != NULL || all[i].code == 0));
+  }
+  /* The texts are the description constants themselves (rule 4). */
+  tavuro_TavuroErrorInfo network;
+  CHECK(tavuro_TavuroErrorInfo_forCode(-5, &network) &&
+        network.description == tavuro_TavuroErrorDescriptions_ERROR_DESC_Network());
+}
+
 static void image_record(void) {
   const uint8_t gray[4] = {0, 85, 170, 255};
   CHECK(tavuro_Picture_make(2, 2, TAVURO_PIXEL_FORMAT_RGB8, gray, sizeof gray) == NULL);
@@ -362,6 +411,7 @@ int main(void) {
   CHECK(mkdtemp(directory) != NULL);
   error_record();
   error_tables();
+  error_lookup();
   image_record();
   initializer();
   json();

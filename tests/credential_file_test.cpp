@@ -9,7 +9,7 @@
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "credential_test_support.h"
-#include "common/CredentialFile.h"
+#include "common/CredentialStore.h"
 #include "platform/FileSystem.h"
 
 namespace {
@@ -17,7 +17,6 @@ namespace {
 using tavuro::platform::AtomicWriteOptions;
 using tavuro::platform::AtomicWriteStep;
 using tavuro::platform::readWholeFile;
-using tavuro::platform::setWriteFunctionForTesting;
 using tavuro::platform::writeFileAtomically;
 using tavuro::test::TempDir;
 
@@ -39,11 +38,11 @@ long interruptAndTrickle(int fd, const void* bytes, std::size_t) {
   return static_cast<long>(::write(fd, bytes, 1));
 }
 
-class SeamReset {
- public:
-  explicit SeamReset(tavuro::platform::WriteFunction f) { setWriteFunctionForTesting(f); }
-  ~SeamReset() { setWriteFunctionForTesting(nullptr); }
-};
+AtomicWriteOptions writingWith(tavuro::platform::WriteFunction write) {
+  AtomicWriteOptions options;
+  options.write = write;
+  return options;
+}
 
 TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
   // A null write function with a directory in the target's place makes the
@@ -57,8 +56,7 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
       dir.write("target", "old content");
     }
     g_calls = 0;
-    const SeamReset seam(write);
-    EXPECT_FALSE(writeFileAtomically(dir.file("target"), std::string(100000, 'x')));
+    EXPECT_FALSE(writeFileAtomically(dir.file("target"), std::string(100000, 'x'), writingWith(write)));
     EXPECT_EQ(dir.entries(), std::set<std::string>{"target"});
     const std::optional<std::string> old = write ? "old content" : std::optional<std::string>();
     EXPECT_EQ(readWholeFile(dir.file("target")), old);  // a directory reads as nothing
@@ -77,8 +75,7 @@ TEST(AtomicWrite, WritesEverythingAndKeepsOwnerAndPermissionBits) {
     ::chmod(dir.file("target").c_str(), mode);
     ASSERT_EQ(::chown(dir.file("target").c_str(), owner, group), 0);
     g_calls = 0;
-    const SeamReset seam(mode == 0640 ? interruptAndTrickle : nullptr);
-    AtomicWriteOptions options;
+    AtomicWriteOptions options = writingWith(mode == 0640 ? interruptAndTrickle : nullptr);
     options.unnamedTemporary = mode != 0664;
     ASSERT_TRUE(writeFileAtomically(dir.file("target"), content, options));
     EXPECT_EQ(readWholeFile(dir.file("target")), content);
@@ -120,8 +117,7 @@ TEST(AtomicWrite, ACrashAtAnyStepLeavesNoCopyOnceTheNextWriteIsDone) {
       for (int i = 0; i < 3; ++i) {  // a sequence of crashes
         const pid_t child = ::fork();
         if (child == 0) {
-          if (!crash) setWriteFunctionForTesting(writeHalfThenDie);
-          AtomicWriteOptions options;
+          AtomicWriteOptions options = writingWith(crash ? nullptr : writeHalfThenDie);
           options.atStep = killAt;
           options.unnamedTemporary = unnamed;
           writeFileAtomically(dir.file("target"), secret, options);
@@ -166,37 +162,39 @@ TEST(ReadWholeFile, RefusesWhatIsNotAFileOrTooLarge) {
   EXPECT_EQ(readWholeFile(dir.file("fifo")), std::nullopt);  // and does not block
 }
 
-TEST(Credential, FailedSaveKeepsTheNewValueInMemoryOnly) {
+TEST(CredentialStore, FailedSaveKeepsTheNewValueInMemoryOnly) {
   TempDir dir;
   const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
   dir.write("TavuroConfig.plist", original);
-  tavuro::setResourceDirectory(dir.path());
-  g_calls = 0;
-  const SeamReset seam(failHalfWay);
-  tavuro::Credential::setUsername("new");
-  EXPECT_EQ(tavuro::Credential::username(), "new");
+  auto environment = tavuro::test::storeEnvironment(dir);
+  environment.writeFile = [](const std::string& path, std::string_view bytes) {
+    g_calls = 0;
+    return writeFileAtomically(path, bytes, writingWith(failHalfWay));
+  };
+  tavuro::detail::CredentialStore store(environment);
+  store.setUsername("new");
+  EXPECT_EQ(store.username(), "new");
   EXPECT_EQ(readWholeFile(dir.config()), original);
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }
 
-TEST(Credential, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
+TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
   TempDir dir;
-  const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
-  dir.write("TavuroConfig.plist", original);
-  tavuro::setResourceDirectory(dir.path());
+  dir.write("TavuroConfig.plist", tavuro::test::plistXml({}));
+  tavuro::detail::CredentialStore store(tavuro::test::storeEnvironment(dir));
   const std::string faithful[] = {
       "", "a\r\nb\r", "<&>]]>&amp;", std::string("nul\0inside", 10), "\x01\x7F\t",
       "\xC3\xA9\xF0\x9F\x98\x80", std::string(1 << 20, 'p')};
   for (const std::string& text : faithful) {
-    tavuro::Credential::setPassword(text);
+    store.setPassword(text);
     EXPECT_EQ(tavuro::detail::loadCredentialFile(dir.config()).password, text);
   }
   const std::string lastSaved = *readWholeFile(dir.config());
   const std::string unfaithful[] = {"pw-\xFF", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
                                     "cut\xE2\x82", std::string((16 << 20) + 1, 'p')};
   for (const std::string& text : unfaithful) {
-    tavuro::Credential::setPassword(text);
-    EXPECT_EQ(tavuro::Credential::password(), text);
+    store.setPassword(text);
+    EXPECT_EQ(store.password(), text);
     EXPECT_EQ(readWholeFile(dir.config()), lastSaved);
   }
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
@@ -219,16 +217,16 @@ bool runWithoutPrivileges(Body body) {
          WEXITSTATUS(status) == 0;
 }
 
-TEST(Credential, ReadOnlyDirectoryKeepsTheFileAndTheNewValueInMemory) {
+TEST(CredentialStore, ReadOnlyDirectoryKeepsTheFileAndTheNewValueInMemory) {
   TempDir dir;
   const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
   dir.write("TavuroConfig.plist", original);
   ::chmod(dir.config().c_str(), 0644);
   ::chmod(dir.path().c_str(), 0555);
   const bool keptInMemory = runWithoutPrivileges([&] {
-    tavuro::setResourceDirectory(dir.path());
-    tavuro::Credential::setUsername("new");
-    return tavuro::Credential::username() == std::optional<std::string>("new");
+    tavuro::detail::CredentialStore store(tavuro::test::storeEnvironment(dir));
+    store.setUsername("new");
+    return store.username() == std::optional<std::string>("new");
   });
   ::chmod(dir.path().c_str(), 0755);
   EXPECT_TRUE(keptInMemory);

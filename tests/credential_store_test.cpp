@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "TavuroCommon/TavuroCommon.h"
-#include "common/CredentialFile.h"
+#include "common/CredentialStore.h"
 #include "credential_test_support.h"
 #include "platform/Base64.h"
 #include "platform/FileSystem.h"
@@ -14,6 +14,8 @@
 namespace {
 
 using tavuro::Credential;
+using tavuro::detail::CredentialStore;
+using tavuro::test::storeEnvironment;
 using tavuro::test::plistXml;
 using tavuro::test::TempDir;
 using Dict = std::map<std::string, std::string>;
@@ -61,79 +63,79 @@ TEST(CredentialFile, LoadingTakesOnlyTextValues) {
   }
 }
 
-TEST(Credential, WithoutAConfigurationFileStaysEmptyAndWritesNothing) {
+TEST(CredentialStore, WithoutAConfigurationFileStaysEmptyAndWritesNothing) {
   TempDir dir;
   std::filesystem::create_directory(dir.config());  // no resource either
-  tavuro::setResourceDirectory(dir.path());
-  EXPECT_EQ(Credential::username(), std::nullopt);
-  EXPECT_EQ(Credential::endpoints(), nullptr);
-  Credential::setUsername("user");
-  Credential::setEndpoints(tavuro::Endpoints::newInstance());
-  EXPECT_EQ(Credential::username(), "user");
+  CredentialStore store(storeEnvironment(dir));
+  EXPECT_EQ(store.username(), std::nullopt);
+  EXPECT_EQ(store.endpoints(), nullptr);
+  store.setUsername("user");
+  store.setEndpoints(tavuro::Endpoints::newInstance());
+  EXPECT_EQ(store.username(), "user");
   EXPECT_TRUE(std::filesystem::is_empty(dir.config()));
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }
 
-TEST(Credential, EverySaveWritesOnlyTheSavedKeys) {
+TEST(CredentialStore, EverySaveWritesOnlyTheSavedKeys) {
   TempDir dir;
   dir.write("TavuroConfig.plist", plistXml(kFullFile));
-  tavuro::setResourceDirectory(dir.path());
-  const auto endpoints = Credential::endpoints();
+  CredentialStore store(storeEnvironment(dir));
+  const auto endpoints = store.endpoints();
   ASSERT_NE(endpoints, nullptr);
   EXPECT_EQ(endpoints->kelmoEndpoint(), "kelmo");
-  EXPECT_EQ(Credential::subscription(), "sub");
+  EXPECT_EQ(store.subscription(), "sub");
 
   Dict expected{{"tavuro_password", "pass"}, {"tavuro_subscription", "sub"},
                 {"frm_endpoint", "frm"}, {"ferisant_endpoint", "id"}, {"med_endpoint", "med"}};
-  Credential::setUsername(std::nullopt);
+  store.setUsername(std::nullopt);
   EXPECT_EQ(readBack(dir.config()), expected);
 
   // A change on the shared record reaches the file only with the next save.
   endpoints->setFrmEndpoint("frm2");
   endpoints->setIdEndpoint(std::nullopt);
   EXPECT_EQ(readBack(dir.config()), expected);
-  Credential::setSubscription(Credential::subscription());  // saves even without a change
+  store.setSubscription(store.subscription());  // saves even without a change
   expected["frm_endpoint"] = "frm2";
   expected.erase("ferisant_endpoint");
   EXPECT_EQ(readBack(dir.config()), expected);
 
-  Credential::setPassword("");
+  store.setPassword("");
   const auto empty = tavuro::Endpoints::newInstance();
-  Credential::setEndpoints(empty);
-  EXPECT_EQ(Credential::endpoints(), empty);
+  store.setEndpoints(empty);
+  EXPECT_EQ(store.endpoints(), empty);
   EXPECT_EQ(readBack(dir.config()), (Dict{{"tavuro_password", ""}, {"tavuro_subscription", "sub"}}));
   EXPECT_EQ(endpoints->passiveLivenessEndpoint(), "live");  // memory keeps what the file lost
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }
 
-TEST(Credential, TokenSlotChangesOnlyOnSuccessOrRemoval) {
+TEST(CredentialStore, TokenSlotChangesOnlyOnSuccessOrRemoval) {
   TempDir dir;
-  tavuro::setResourceDirectory(dir.path());
-  tavuro::test::FixedClock clock(1000.0);
-  Credential::setUsername("user");
-  Credential::setPassword("pass");
-  EXPECT_FALSE(Credential::removeToken());
+  double now = 1000.0;
+  CredentialStore store(storeEnvironment(dir, &now));
+  store.setUsername("user");
+  store.setPassword("pass");
+  EXPECT_FALSE(store.removeToken());
 
   const std::string first = tokenExpiringAt(2000);
-  EXPECT_TRUE(Credential::setToken(first));
+  EXPECT_TRUE(store.setToken(first));
   for (const std::string& rejected : {tokenExpiringAt(1000), std::string("a.b.c"), std::string(".")}) {
-    EXPECT_FALSE(Credential::setToken(rejected)) << rejected;
+    EXPECT_FALSE(store.setToken(rejected)) << rejected;
   }
-  clock.set(5000.0);  // the stored token has expired but stays in use
-  EXPECT_EQ(Credential::getTavuroAuthHeader(), "Bearer " + first);
-  EXPECT_FALSE(Credential::setToken(tokenExpiringAt(4000)));
-  EXPECT_EQ(Credential::getToken()->value(), first);
+  now = 5000.0;  // the stored token has expired but stays in use
+  EXPECT_EQ(store.tavuroAuthHeader(), "Bearer " + first);
+  EXPECT_FALSE(store.setToken(tokenExpiringAt(4000)));
+  EXPECT_EQ(store.token()->value(), first);
 
   const std::string second = tokenExpiringAt(6000);
-  EXPECT_TRUE(Credential::setToken(second));
-  EXPECT_EQ(Credential::getTavuroAuthHeader(), "Bearer " + second);
-  EXPECT_TRUE(Credential::removeToken());
-  EXPECT_FALSE(Credential::removeToken());
-  EXPECT_EQ(Credential::getToken(), nullptr);
-  EXPECT_EQ(Credential::getTavuroAuthHeader(), "Basic dXNlcjpwYXNz");
+  EXPECT_TRUE(store.setToken(second));
+  EXPECT_EQ(store.tavuroAuthHeader(), "Bearer " + second);
+  EXPECT_TRUE(store.removeToken());
+  EXPECT_FALSE(store.removeToken());
+  EXPECT_EQ(store.token(), nullptr);
+  EXPECT_EQ(store.tavuroAuthHeader(), "Basic dXNlcjpwYXNz");
 }
 
-TEST(Credential, BasicHeaderNeedsUserNameAndPassword) {
+TEST(CredentialStore, BasicHeaderNeedsUserNameAndPassword) {
   const struct {
     Text username, password, header;
   } cases[] = {
@@ -142,45 +144,50 @@ TEST(Credential, BasicHeaderNeedsUserNameAndPassword) {
       {{}, "pass", {}},                       {{}, {}, {}},
   };
   TempDir dir;
-  tavuro::setResourceDirectory(dir.path());
+  CredentialStore store(storeEnvironment(dir));
   for (const auto& c : cases) {
-    Credential::setUsername(c.username);
-    Credential::setPassword(c.password);
-    EXPECT_EQ(Credential::getBasicAuthHeader(), c.header);
-    EXPECT_EQ(Credential::getTavuroAuthHeader(), c.header);
+    store.setUsername(c.username);
+    store.setPassword(c.password);
+    EXPECT_EQ(store.basicAuthHeader(), c.header);
+    EXPECT_EQ(store.tavuroAuthHeader(), c.header);
   }
 }
 
-TEST(Credential, ValidityChecksEndpointThenCredentialsThenToken) {
-  EXPECT_FALSE(Credential::isCredentialValid(std::nullopt));
-  EXPECT_FALSE(Credential::isCredentialValid(""));
-  EXPECT_EQ(tavuro::detail::credentialLoadCount(), 0u);  // the store was not touched
-
+TEST(CredentialStore, ValidityNeedsThreeFilledCredentialsOrAnyToken) {
   TempDir dir;
-  tavuro::setResourceDirectory(dir.path());
-  tavuro::test::FixedClock clock(1000.0);
+  double now = 1000.0;
   const struct {
-    Text endpoint, username, password, subscription;
+    Text username, password, subscription;
     bool token, valid;
   } cases[] = {
-      {{}, "u", "p", "s", true, false},   {"", "u", "p", "s", true, false},
-      {"e", "u", "p", "s", false, true},  {"e", "u", "p", {}, false, false},
-      {"e", "u", "", "s", false, false},  {"e", {}, {}, {}, true, true},
-      {"e", "u", "p", "", true, true},
+      {"u", "p", "s", false, true},  {"u", "p", {}, false, false}, {"u", "", "s", false, false},
+      {{}, {}, {}, true, true},      {"u", "p", "", true, true},
   };
   for (const auto& c : cases) {
-    Credential::setUsername(c.username);
-    Credential::setPassword(c.password);
-    Credential::setSubscription(c.subscription);
-    Credential::removeToken();
-    ASSERT_TRUE(!c.token || Credential::setToken(tokenExpiringAt(2000)));
-    clock.set(3000.0);  // expiry is not looked at
-    EXPECT_EQ(Credential::isCredentialValid(c.endpoint), c.valid);
-    clock.set(1000.0);
+    CredentialStore store(storeEnvironment(dir, &now));
+    store.setUsername(c.username);
+    store.setPassword(c.password);
+    store.setSubscription(c.subscription);
+    ASSERT_TRUE(!c.token || store.setToken(tokenExpiringAt(2000)));
+    now = 3000.0;  // expiry is not looked at
+    EXPECT_EQ(store.hasCredentialsOrToken(), c.valid);
+    now = 1000.0;
   }
 }
 
-TEST(Credential, ConcurrentFirstUseLoadsOnce) {
+// The process-wide store: made on first use only, once, by whichever
+// thread comes first.
+TEST(Credential, AnEmptyEndpointIsRefusedBeforeTheStoreLoads) {
+  TempDir dir;
+  dir.write("TavuroConfig.plist", plistXml({{"tavuro_username", "<string>before</string>"}}));
+  tavuro::setResourceDirectory(dir.path());
+  EXPECT_FALSE(Credential::isCredentialValid(std::nullopt));
+  EXPECT_FALSE(Credential::isCredentialValid(""));
+  dir.write("TavuroConfig.plist", plistXml({{"tavuro_username", "<string>after</string>"}}));
+  EXPECT_EQ(Credential::username(), "after");  // loaded only now
+}
+
+TEST(Credential, ConcurrentFirstUseSeesOneLoadedStore) {
   TempDir dir;
   dir.write("TavuroConfig.plist", plistXml(kFullFile));
   tavuro::setResourceDirectory(dir.path());
@@ -195,7 +202,6 @@ TEST(Credential, ConcurrentFirstUseLoadsOnce) {
   }
   go = true;
   for (auto& t : threads) t.join();
-  EXPECT_EQ(tavuro::detail::credentialLoadCount(), 1u);
   for (const auto& e : seen) EXPECT_TRUE(e != nullptr && e == seen[0]);
 }
 

@@ -1,5 +1,5 @@
-// Temporary resource directories, configuration files and a settable clock
-// for the credential store's tests.
+// Temporary resource directories, configuration files and store
+// environments for the credential store's tests.
 #ifndef TAVURO_TESTS_CREDENTIAL_TEST_SUPPORT_H_
 #define TAVURO_TESTS_CREDENTIAL_TEST_SUPPORT_H_
 
@@ -10,7 +10,8 @@
 #include <set>
 #include <string>
 
-#include "platform/Clock.h"
+#include "common/CredentialStore.h"
+#include "platform/Resources.h"
 
 namespace tavuro::test {
 
@@ -48,20 +49,19 @@ inline std::string plistXml(const std::map<std::string, std::string>& entries) {
   return xml + "</dict></plist>\n";
 }
 
-/// A clock that stands still where the test puts it.
-class FixedClock : public platform::Clock {
- public:
-  explicit FixedClock(double secondsSince1970) { set(secondsSince1970); }
-  ~FixedClock() override { platform::setClockForTesting(nullptr); }
-  void set(double secondsSince1970) {
-    now_ = Instant(std::chrono::duration<double>(secondsSince1970));
-    platform::setClockForTesting(this);
+/// The environment of a credential store over `dir`'s configuration file,
+/// whose clock stands at `*now` seconds since 1970 (the test moves it).
+inline detail::CredentialStore::Environment storeEnvironment(const TempDir& dir,
+                                                             const double* now = nullptr) {
+  detail::CredentialStore::Environment environment = detail::CredentialStore::systemEnvironment();
+  environment.configurationPath = [directory = dir.path()] {
+    return platform::pathForResource(directory, "TavuroConfig", "plist");
+  };
+  if (now != nullptr) {
+    environment.now = [now] { return Instant(std::chrono::duration<double>(*now)); };
   }
-  Instant now() const override { return now_; }
-
- private:
-  Instant now_;
-};
+  return environment;
+}
 
 }  // namespace tavuro::test
 

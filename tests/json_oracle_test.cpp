@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Json.h"
+#include "common/JsonAccess.h"
 
 namespace tavuro {
 namespace {
@@ -204,7 +204,7 @@ TEST(JsonOracle, GeneratedDocumentsReadTheSame) {
     rapidjson::Document theirs;
     theirs.Parse<kOracleFlags>(text.data(), text.size());
     ASSERT_FALSE(theirs.HasParseError()) << "generator made bad JSON: " << text;
-    const platform::JsonParseResult ours = platform::parseJson(text);
+    const detail::JsonReadResult ours = detail::readJson(text);
     ASSERT_TRUE(ours.value) << ours.errorDescription << "\n" << text;
     ASSERT_EQ(compare(*ours.value, theirs, "$"), "") << text;
   }
@@ -229,7 +229,7 @@ TEST(JsonOracle, MutationsTheyRejectWeRejectToo) {
     }
     rapidjson::Document theirs;
     theirs.Parse<kOracleFlags>(text.data(), text.size());
-    const platform::JsonParseResult ours = platform::parseJson(text);
+    const detail::JsonReadResult ours = detail::readJson(text);
     if (theirs.HasParseError()) {
       EXPECT_FALSE(ours.value) << "accepted what the oracle rejects: " << text;
       ++rejectedByBoth;

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/JsonAccess.h"
 #include "platform/Json.h"
 
 namespace tavuro {
@@ -59,7 +60,7 @@ struct Accepts {
 
 void expectAccepted(const std::vector<Accepts>& rows) {
   for (const Accepts& row : rows) {
-    const platform::JsonParseResult result = platform::parseJson(row.text);
+    const detail::JsonReadResult result = detail::readJson(row.text);
     ASSERT_TRUE(result.value) << row.text << " -> " << result.errorDescription;
     EXPECT_EQ(describe(*result.value), row.value) << row.text;
     EXPECT_TRUE(result.errorDescription.empty());
@@ -68,7 +69,7 @@ void expectAccepted(const std::vector<Accepts>& rows) {
 
 void expectRejected(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
-    const platform::JsonParseResult result = platform::parseJson(text);
+    const detail::JsonReadResult result = detail::readJson(text);
     EXPECT_FALSE(result.value) << text << " -> " << describe(*result.value);
     EXPECT_FALSE(result.errorDescription.empty()) << text;
   }
@@ -148,7 +149,7 @@ TEST(JsonReader, DuplicateKeysKeepTheFirstValue) {
   for (const auto& [text, key, value] : {std::tuple{large + "\"k3\":99}", "k3", "i3"},
                                          {big + "\"7\":1}", "7", "i7"},
                                          {big + "\"7\":1}", "69999", "i69999"}}) {
-    const JsonDictionary dictionary = *platform::parseJson(text).value->dictionaryValue();
+    const JsonDictionary dictionary = *detail::readJson(text).value->dictionaryValue();
     EXPECT_EQ(describe(*dictionary.find(key)), value);
     EXPECT_FALSE(dictionary.find("k20"));
   }
@@ -226,14 +227,14 @@ TEST(JsonReader, ErrorDescriptionSaysWhatAndWhere) {
        "Unexpected character 'x' at line 2, column 2."},
   };
   for (const auto& [text, description] : rows) {
-    EXPECT_EQ(platform::parseJson(text).errorDescription, description) << text;
+    EXPECT_EQ(detail::readJson(text).errorDescription, description) << text;
   }
 }
 
 TEST(JsonReader, ValuesOwnTheirTextAndStayInRange) {
   std::string text = R"({"items":[{"name":"first"},2,"three"],"n":1})";
   const JsonArray items =
-      *platform::parseJson(text).value->dictionaryValue()->find("items")->arrayValue();
+      *detail::readJson(text).value->dictionaryValue()->find("items")->arrayValue();
   text.assign(text.size(), '#');
   EXPECT_EQ(describe(items[0]), "{name:\"first\"}");
   EXPECT_TRUE(items[3].isNull());
@@ -266,7 +267,7 @@ TEST(JsonReader, DocumentsCrossThreadsAndStayAliveThroughAnyValue) {
       for (int round = 0; round < 10; ++round) {
         std::optional<std::pair<int, JsonValue>> parcel;
         {
-          const JsonArray array = *platform::parseJson(text).value->arrayValue();
+          const JsonArray array = *detail::readJson(text).value->arrayValue();
           for (int i = 0; i < kElements; i += 997) wrong += v(array[i]) != i * kThreads + t;
           parcel.emplace(t, array[kElements - 1]);
         }

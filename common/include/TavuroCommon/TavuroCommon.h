@@ -24,7 +24,6 @@
 #ifndef TAVUROCOMMON_TAVUROCOMMON_H_
 #define TAVUROCOMMON_TAVUROCOMMON_H_
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -48,7 +47,7 @@ using Instant = std::chrono::time_point<std::chrono::system_clock,
                                         std::chrono::duration<double>>;
 
 // ===========================================================================
-// Platform value types carried by records (implemented in platform/)
+// Value types carried by records
 // ===========================================================================
 
 /// A point on a picture, in pixels. A plain value; copy freely.
@@ -186,11 +185,13 @@ class TAVURO_EXPORT TavuroError {
 
 /// The fixed error codes of the kit. All are negative; the gaps in the
 /// numbering are unassigned. Each is a compile-time constant, so a host can
-/// `switch` on `TavuroError::errorCode()`.
+/// `switch` on `TavuroError::errorCode()`; `TavuroErrorInfo::forCode` gives a
+/// code's names and text at run time.
 ///
 /// Thread safety: constants; read them from anywhere.
 class TAVURO_EXPORT TavuroErrorCodes {
  public:
+  // BEGIN generated from interface/TavuroCommon.json: error codes
   static constexpr std::int64_t ERROR_InvalidCredentials = -1;
   static constexpr std::int64_t ERROR_InitializationNotFinished = -4;
   static constexpr std::int64_t ERROR_Network = -5;
@@ -214,63 +215,99 @@ class TAVURO_EXPORT TavuroErrorCodes {
   static constexpr std::int64_t ERROR_EChipReadError = -60;
   static constexpr std::int64_t ERROR_InvalidNfcTag = -61;
   static constexpr std::int64_t ERROR_InvalidNfcKeyFormatting = -62;
+  // END generated: error codes
 };
 
 /// The fixed error texts of the kit, untranslated. Most match a code of
-/// `TavuroErrorCodes`; five have no code. Note the deliberate irregular names
-/// `ERROR_DESC_ERROR_CouldNotAccessCredential` and
-/// `ERROR_DESC_INVALID_PARAMETERS`.
+/// `TavuroErrorCodes` (the code of `ERROR_DESC_X` is `ERROR_X`); five have no
+/// code, as noted beside each. Note the deliberate irregular names
+/// `ERROR_DESC_ERROR_CouldNotAccessCredential` (of `ERROR_CouldNotAccessCredential`)
+/// and `ERROR_DESC_INVALID_PARAMETERS` (of `ERROR_INVALID_PARAMETER`).
 ///
 /// Thread safety: constants; read them from anywhere.
 class TAVURO_EXPORT TavuroErrorDescriptions {
  public:
-  static constexpr char ERROR_DESC_InvalidCredentials[] = "Invalid credentials";
-  static constexpr char ERROR_DESC_InvalidEndpoint[] = "Invalid endpoint";
-  static constexpr char ERROR_DESC_Network[] = "Network problem";
-  static constexpr char ERROR_DESC_InitializationNotFinished[] =
+  // BEGIN generated from interface/TavuroCommon.json: error descriptions
+  static constexpr char ERROR_DESC_InvalidCredentials[] =  // has code
+      "Invalid credentials";
+  static constexpr char ERROR_DESC_InvalidEndpoint[] =  // no code
+      "Invalid endpoint";
+  static constexpr char ERROR_DESC_Network[] =  // has code
+      "Network problem";
+  static constexpr char ERROR_DESC_InitializationNotFinished[] =  // has code
       "Initialization not finished";
-  static constexpr char ERROR_DESC_InvalidJson[] = "Invalid Json response";
-  static constexpr char ERROR_DESC_CouldNotCrop[] = "Could not crop image";
-  static constexpr char ERROR_DESC_BarcodeCaptureFailed[] =
+  static constexpr char ERROR_DESC_InvalidJson[] =  // has code
+      "Invalid Json response";
+  static constexpr char ERROR_DESC_CouldNotCrop[] =  // has code
+      "Could not crop image";
+  static constexpr char ERROR_DESC_BarcodeCaptureFailed[] =  // no code
       "Barcode capture failed";
-  static constexpr char ERROR_DESC_BarcodeCaptureTimedOut[] =
+  static constexpr char ERROR_DESC_BarcodeCaptureTimedOut[] =  // no code
       "Barcode capture timed out";
-  static constexpr char ERROR_DESC_CouldNotCreateConnectInstance[] =
+  static constexpr char ERROR_DESC_CouldNotCreateConnectInstance[] =  // has code
       "Could not create connect Instance";
-  static constexpr char ERROR_DESC_CouldNotUploadConnectImage[] =
+  static constexpr char ERROR_DESC_CouldNotUploadConnectImage[] =  // has code
       "Could not upload image to connect instance";
-  static constexpr char ERROR_DESC_CouldNotUploadConnectBarcode[] =
+  static constexpr char ERROR_DESC_CouldNotUploadConnectBarcode[] =  // has code
       "Could not upload barcode to connect instance";
-  static constexpr char ERROR_DESC_CouldNotGetConnectData[] =
+  static constexpr char ERROR_DESC_CouldNotGetConnectData[] =  // has code
       "Could not get connect image data";
-  static constexpr char ERROR_DESC_CardWidthNotSet[] = "Card width not set";
-  static constexpr char ERROR_DESC_CouldNotGetHealthCardData[] =
+  static constexpr char ERROR_DESC_CardWidthNotSet[] =  // no code
+      "Card width not set";
+  static constexpr char ERROR_DESC_CouldNotGetHealthCardData[] =  // no code
       "Could not get health card data";
-  static constexpr char ERROR_DESC_CouldNotClassifyDocument[] =
+  static constexpr char ERROR_DESC_CouldNotClassifyDocument[] =  // has code
       "Could not classify document";
-  static constexpr char ERROR_DESC_LowResolutionImage[] =
+  static constexpr char ERROR_DESC_LowResolutionImage[] =  // has code
       "Low resolution image";
-  static constexpr char ERROR_DESC_BlurryImage[] = "Blurry image";
-  static constexpr char ERROR_DESC_ImageWithGlare[] = "Image has glare";
-  static constexpr char ERROR_DESC_CouldNotGetIPLivenessToken[] =
+  static constexpr char ERROR_DESC_BlurryImage[] =  // has code
+      "Blurry image";
+  static constexpr char ERROR_DESC_ImageWithGlare[] =  // has code
+      "Image has glare";
+  static constexpr char ERROR_DESC_CouldNotGetIPLivenessToken[] =  // has code
       "Could not get face liveness token";
-  static constexpr char ERROR_DESC_NotALiveFace[] = "Not a live face";
-  static constexpr char ERROR_DESC_CouldNotAccessLivenessData[] =
+  static constexpr char ERROR_DESC_NotALiveFace[] =  // has code
+      "Not a live face";
+  static constexpr char ERROR_DESC_CouldNotAccessLivenessData[] =  // has code
       "Could not access liveness data";
-  static constexpr char ERROR_DESC_ERROR_CouldNotAccessCredential[] =
+  static constexpr char ERROR_DESC_ERROR_CouldNotAccessCredential[] =  // has code
       "Could not get credential";
-  static constexpr char ERROR_DESC_USER_CANCELED_ACTIVITY[] =
+  static constexpr char ERROR_DESC_USER_CANCELED_ACTIVITY[] =  // has code
       "User canceled activity";
-  static constexpr char ERROR_DESC_INVALID_PARAMETERS[] = "Invalid Parameters.";
-  static constexpr char ERROR_DESC_KelmoInvalidFormat[] =
+  static constexpr char ERROR_DESC_INVALID_PARAMETERS[] =  // has code
+      "Invalid Parameters.";
+  static constexpr char ERROR_DESC_KelmoInvalidFormat[] =  // has code
       "Kelmo returned invalid format";
-  static constexpr char ERROR_DESC_EChipReadError[] =
+  static constexpr char ERROR_DESC_EChipReadError[] =  // has code
       "Error reading eChip. Connection lost to passport or incorrect key.";
-  static constexpr char ERROR_DESC_InvalidNfcTag[] =
-      "Tag Tech list was null. Most likely means unsupported passport/not a "
-      "passport";
-  static constexpr char ERROR_DESC_InvalidNfcKeyFormatting[] =
+  static constexpr char ERROR_DESC_InvalidNfcTag[] =  // has code
+      "Tag Tech list was null. Most likely means unsupported passport/not a passport";
+  static constexpr char ERROR_DESC_InvalidNfcKeyFormatting[] =  // has code
       "Decryption key formatted incorrectly. Check DOB, DOE, and doc number.";
+  // END generated: error descriptions
+};
+
+/// One entry of the error tables, for looking a failure up at run time: a
+/// code with the names of the code and of its description and the text, or
+/// one of the texts that have no code. The names and texts are the constants
+/// of `TavuroErrorCodes` and `TavuroErrorDescriptions` themselves.
+///
+/// Thread safety: constants; read them from anywhere.
+struct TAVURO_EXPORT TavuroErrorInfo {
+  /// The code; 0 for a text without a code (no code is 0).
+  std::int64_t code;
+  /// The code's name, "ERROR_Network"; nullptr for a text without a code.
+  const char* codeName;
+  /// The description's name, "ERROR_DESC_Network".
+  const char* descriptionName;
+  /// The description's text, "Network problem".
+  const char* description;
+
+  /// The entry of `code`; absent when no error has that code (0, positive
+  /// numbers and the gaps of the numbering).
+  static std::optional<TavuroErrorInfo> forCode(std::int64_t code) noexcept;
+  /// Every entry: the codes from -1 downwards, then the texts without a code.
+  static const std::vector<TavuroErrorInfo>& all() noexcept;
 };
 
 // ===========================================================================
@@ -433,10 +470,8 @@ class TAVURO_EXPORT DocumentProcessingMode {
   static void setDataCaptureProcessingMode() noexcept;
 
  private:
+  // Never made: the mode lives in one process-wide slot inside the library.
   DocumentProcessingMode() = default;
-  static DocumentProcessingMode& shared() noexcept;
-
-  std::atomic<std::int64_t> processingMode_{rawValue(ProcessingMode::Standard)};
 };
 
 // ===========================================================================
@@ -446,9 +481,12 @@ class TAVURO_EXPORT DocumentProcessingMode {
 class JsonArray;
 class JsonDictionary;
 namespace detail {
-struct JsonAccess;
+// Opaque: a decoded document and one of its values, as the library's JSON
+// reader keeps them. Never defined here; only the library looks inside,
+// through JsonAccess.
 struct JsonDocument;
 struct JsonNode;
+struct JsonAccess;
 }  // namespace detail
 
 /// One decoded JSON value: null, boolean, number, text, array or dictionary.
@@ -674,7 +712,7 @@ class TAVURO_EXPORT Endpoints {
 /// which it may no longer be used. Immutable; it neither decodes nor checks
 /// the text.
 ///
-/// Thread safety: immutable; `isValid()` only reads the clock.
+/// Thread safety: immutable; `isValid()` only reads the system clock.
 class TAVURO_EXPORT TavuroJwtToken {
  public:
   /// Stores both unchanged; any text (even empty) and any instant is taken.
@@ -689,6 +727,9 @@ class TAVURO_EXPORT TavuroJwtToken {
   /// True while the current time is strictly before `expiration()`; false
   /// at the very instant of expiry and after. No margin is applied.
   virtual bool isValid() const;
+  /// The rule of `isValid()` at the instant `now` instead of the current
+  /// time: true only when `now` is strictly before `expiration()`.
+  [[nodiscard]] bool isValidAt(Instant now) const noexcept;
 
  private:
   std::string value_;
@@ -850,21 +891,9 @@ class TAVURO_EXPORT Credential {
   static void setEndpoints(std::shared_ptr<Endpoints> endpoints);
 
  private:
-  Credential();
-  static Credential& shared();
-  void load();
-  void saveFile() const;
-  void refreshBasicAuthHeader();
-
-  std::optional<std::string> tavuro_username_;
-  std::optional<std::string> tavuro_password_;
-  std::optional<std::string> tavuro_subscription_;
-  std::shared_ptr<Endpoints> tavuro_endpoints_;
-  std::shared_ptr<TavuroJwtToken> token_;
-  std::shared_ptr<TavuroJwtParser> jwtParser_;
-  // Built whenever the user name or password changes, so that the header
-  // asked for on every request costs one copy.
-  std::optional<std::string> basicAuthHeader_;
+  // Never made: the state lives in one process-wide store inside the
+  // library, which these operations reach.
+  Credential() = default;
 };
 
 }  // namespace tavuro

@@ -50,6 +50,10 @@
  *     tavuro_TavuroJwtParser_parseTokenWithJwtToken or
  *     tavuro_Credential_setTokenWithToken, and NULL given to
  *     tavuro_Utils_dateFieldToDateStringWithDateStr.
+ *
+ * The parts between "BEGIN generated" and "END generated" lines are written
+ * from interface/TavuroCommon.json by scripts/generate_interface.py: change
+ * the table, not them.
  */
 
 #ifndef TAVUROCOMMON_TAVUROCOMMON_C_H_
@@ -69,17 +73,19 @@ extern "C" {
 /* Handle types                                                             */
 /* ======================================================================== */
 
+/* BEGIN generated from interface/TavuroCommon.json: handles */
+typedef struct tavuro_TavuroInitializer tavuro_TavuroInitializer;
+typedef struct tavuro_Endpoints tavuro_Endpoints;
+typedef struct tavuro_TavuroJwtParser tavuro_TavuroJwtParser;
+typedef struct tavuro_TavuroJwtToken tavuro_TavuroJwtToken;
 typedef struct tavuro_TavuroError tavuro_TavuroError;
 typedef struct tavuro_Image tavuro_Image;
-typedef struct tavuro_Endpoints tavuro_Endpoints;
-typedef struct tavuro_TavuroJwtToken tavuro_TavuroJwtToken;
-typedef struct tavuro_TavuroJwtParser tavuro_TavuroJwtParser;
-typedef struct tavuro_TavuroInitializer tavuro_TavuroInitializer;
 typedef struct tavuro_JsonDictionary tavuro_JsonDictionary;
 typedef struct tavuro_JsonArray tavuro_JsonArray;
 typedef struct tavuro_JsonValue tavuro_JsonValue;
 typedef struct tavuro_Picture tavuro_Picture;
 typedef struct tavuro_ByteBuffer tavuro_ByteBuffer;
+/* END generated: handles */
 
 /* ======================================================================== */
 /* Texts and the resource directory                                         */
@@ -88,12 +94,14 @@ typedef struct tavuro_ByteBuffer tavuro_ByteBuffer;
 /** Frees a text returned as char* by this interface. NULL is ignored. */
 TAVURO_EXPORT void tavuro_string_free(char* text);
 
+/* BEGIN generated from interface/TavuroCommon.json: functions */
 /** Names the directory that stands for the host's resource bundle (where
  * "TavuroConfig.plist" lies). Call it before the first Credential call;
  * later calls do not reload the store. NULL is ignored. */
 TAVURO_EXPORT void tavuro_setResourceDirectory(const char* directory);
 /** The resource directory in force now ("" when none can be found). */
 TAVURO_EXPORT char* tavuro_resourceDirectory(void);
+/* END generated: functions */
 
 /* ======================================================================== */
 /* Pictures and byte buffers                                                */
@@ -117,8 +125,10 @@ TAVURO_EXPORT uint32_t tavuro_Picture_height(const tavuro_Picture* picture);
 TAVURO_EXPORT tavuro_PixelFormat tavuro_Picture_pixelFormat(const tavuro_Picture* picture);
 /** The pixels (rule 9); their count goes to *size when `size` is not NULL. */
 TAVURO_EXPORT const uint8_t* tavuro_Picture_pixels(const tavuro_Picture* picture, size_t* size);
-TAVURO_EXPORT tavuro_Picture* tavuro_Picture_retain(tavuro_Picture* picture);
-TAVURO_EXPORT void tavuro_Picture_release(tavuro_Picture* picture);
+/* BEGIN generated from interface/TavuroCommon.json: Picture */
+TAVURO_EXPORT tavuro_Picture* tavuro_Picture_retain(tavuro_Picture* handle);
+TAVURO_EXPORT void tavuro_Picture_release(tavuro_Picture* handle);
+/* END generated: Picture */
 
 /** A new, empty buffer. */
 TAVURO_EXPORT tavuro_ByteBuffer* tavuro_ByteBuffer_newInstance(void);
@@ -135,26 +145,31 @@ TAVURO_EXPORT bool tavuro_ByteBuffer_appendBytes_length(tavuro_ByteBuffer* buffe
                                                         const void* bytes, size_t size);
 /** Grows (with zero bytes) or shrinks the buffer; false on failure. */
 TAVURO_EXPORT bool tavuro_ByteBuffer_setLength(tavuro_ByteBuffer* buffer, size_t size);
-TAVURO_EXPORT tavuro_ByteBuffer* tavuro_ByteBuffer_retain(tavuro_ByteBuffer* buffer);
-TAVURO_EXPORT void tavuro_ByteBuffer_release(tavuro_ByteBuffer* buffer);
+/* BEGIN generated from interface/TavuroCommon.json: ByteBuffer */
+TAVURO_EXPORT tavuro_ByteBuffer* tavuro_ByteBuffer_retain(tavuro_ByteBuffer* handle);
+TAVURO_EXPORT void tavuro_ByteBuffer_release(tavuro_ByteBuffer* handle);
+/* END generated: ByteBuffer */
 
 /* ======================================================================== */
 /* TavuroError and the error tables                                         */
 /* ======================================================================== */
 
-/** Code 0 and an absent description. */
-TAVURO_EXPORT tavuro_TavuroError* tavuro_TavuroError_newInstance(void);
+/* BEGIN generated from interface/TavuroCommon.json: TavuroError */
 /** The code and a copy of the description (NULL stays absent). */
 TAVURO_EXPORT tavuro_TavuroError* tavuro_TavuroError_initWithErrorCode_errorDescription(
     int64_t errorCode, const char* errorDescription);
+/** Code 0 and an absent description. */
+TAVURO_EXPORT tavuro_TavuroError* tavuro_TavuroError_newInstance(void);
 TAVURO_EXPORT int64_t tavuro_TavuroError_errorCode(const tavuro_TavuroError* error);
 TAVURO_EXPORT void tavuro_TavuroError_setErrorCode(tavuro_TavuroError* error, int64_t errorCode);
 TAVURO_EXPORT char* tavuro_TavuroError_errorDescription(const tavuro_TavuroError* error);
 TAVURO_EXPORT void tavuro_TavuroError_setErrorDescription(tavuro_TavuroError* error,
                                                           const char* errorDescription);
-TAVURO_EXPORT tavuro_TavuroError* tavuro_TavuroError_retain(tavuro_TavuroError* error);
-TAVURO_EXPORT void tavuro_TavuroError_release(tavuro_TavuroError* error);
+TAVURO_EXPORT tavuro_TavuroError* tavuro_TavuroError_retain(tavuro_TavuroError* handle);
+TAVURO_EXPORT void tavuro_TavuroError_release(tavuro_TavuroError* handle);
+/* END generated: TavuroError */
 
+/* BEGIN generated from interface/TavuroCommon.json: error tables */
 /* The codes: each returns its constant. */
 TAVURO_EXPORT int64_t tavuro_TavuroErrorCodes_ERROR_InvalidCredentials(void);
 TAVURO_EXPORT int64_t tavuro_TavuroErrorCodes_ERROR_InitializationNotFinished(void);
@@ -180,41 +195,83 @@ TAVURO_EXPORT int64_t tavuro_TavuroErrorCodes_ERROR_EChipReadError(void);
 TAVURO_EXPORT int64_t tavuro_TavuroErrorCodes_ERROR_InvalidNfcTag(void);
 TAVURO_EXPORT int64_t tavuro_TavuroErrorCodes_ERROR_InvalidNfcKeyFormatting(void);
 
-/* The descriptions: each returns its constant text (rule 4: never free). */
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidCredentials(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidEndpoint(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_Network(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InitializationNotFinished(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidJson(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotCrop(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_BarcodeCaptureFailed(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_BarcodeCaptureTimedOut(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotCreateConnectInstance(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotUploadConnectImage(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotUploadConnectBarcode(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetConnectData(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CardWidthNotSet(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetHealthCardData(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotClassifyDocument(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_LowResolutionImage(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_BlurryImage(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_ImageWithGlare(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetIPLivenessToken(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_NotALiveFace(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotAccessLivenessData(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_ERROR_CouldNotAccessCredential(
-    void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_USER_CANCELED_ACTIVITY(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_INVALID_PARAMETERS(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_KelmoInvalidFormat(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_EChipReadError(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidNfcTag(void);
-TAVURO_EXPORT const char* tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidNfcKeyFormatting(void);
+/* The descriptions: each returns its constant text (rule 4: never free).
+ * Beside each, the code it belongs to. */
+TAVURO_EXPORT const char*  // code: ERROR_InvalidCredentials
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidCredentials(void);
+TAVURO_EXPORT const char*  // code: none
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidEndpoint(void);
+TAVURO_EXPORT const char*  // code: ERROR_Network
+tavuro_TavuroErrorDescriptions_ERROR_DESC_Network(void);
+TAVURO_EXPORT const char*  // code: ERROR_InitializationNotFinished
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InitializationNotFinished(void);
+TAVURO_EXPORT const char*  // code: ERROR_InvalidJson
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidJson(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotCrop
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotCrop(void);
+TAVURO_EXPORT const char*  // code: none
+tavuro_TavuroErrorDescriptions_ERROR_DESC_BarcodeCaptureFailed(void);
+TAVURO_EXPORT const char*  // code: none
+tavuro_TavuroErrorDescriptions_ERROR_DESC_BarcodeCaptureTimedOut(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotCreateConnectInstance
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotCreateConnectInstance(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotUploadConnectImage
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotUploadConnectImage(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotUploadConnectBarcode
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotUploadConnectBarcode(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotGetConnectData
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetConnectData(void);
+TAVURO_EXPORT const char*  // code: none
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CardWidthNotSet(void);
+TAVURO_EXPORT const char*  // code: none
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetHealthCardData(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotClassifyDocument
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotClassifyDocument(void);
+TAVURO_EXPORT const char*  // code: ERROR_LowResolutionImage
+tavuro_TavuroErrorDescriptions_ERROR_DESC_LowResolutionImage(void);
+TAVURO_EXPORT const char*  // code: ERROR_BlurryImage
+tavuro_TavuroErrorDescriptions_ERROR_DESC_BlurryImage(void);
+TAVURO_EXPORT const char*  // code: ERROR_ImageWithGlare
+tavuro_TavuroErrorDescriptions_ERROR_DESC_ImageWithGlare(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotGetIPLivenessToken
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotGetIPLivenessToken(void);
+TAVURO_EXPORT const char*  // code: ERROR_NotALiveFace
+tavuro_TavuroErrorDescriptions_ERROR_DESC_NotALiveFace(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotAccessLivenessData
+tavuro_TavuroErrorDescriptions_ERROR_DESC_CouldNotAccessLivenessData(void);
+TAVURO_EXPORT const char*  // code: ERROR_CouldNotAccessCredential
+tavuro_TavuroErrorDescriptions_ERROR_DESC_ERROR_CouldNotAccessCredential(void);
+TAVURO_EXPORT const char*  // code: ERROR_USER_CANCELED_ACTIVITY
+tavuro_TavuroErrorDescriptions_ERROR_DESC_USER_CANCELED_ACTIVITY(void);
+TAVURO_EXPORT const char*  // code: ERROR_INVALID_PARAMETER
+tavuro_TavuroErrorDescriptions_ERROR_DESC_INVALID_PARAMETERS(void);
+TAVURO_EXPORT const char*  // code: ERROR_KelmoInvalidFormat
+tavuro_TavuroErrorDescriptions_ERROR_DESC_KelmoInvalidFormat(void);
+TAVURO_EXPORT const char*  // code: ERROR_EChipReadError
+tavuro_TavuroErrorDescriptions_ERROR_DESC_EChipReadError(void);
+TAVURO_EXPORT const char*  // code: ERROR_InvalidNfcTag
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidNfcTag(void);
+TAVURO_EXPORT const char*  // code: ERROR_InvalidNfcKeyFormatting
+tavuro_TavuroErrorDescriptions_ERROR_DESC_InvalidNfcKeyFormatting(void);
+/* END generated: error tables */
+
+/** One entry of the error tables (tavuro::TavuroErrorInfo): a code with its
+ * names and text, or a text that has no code (code 0, codeName NULL). The
+ * texts live for the whole process (rule 4). */
+typedef struct tavuro_TavuroErrorInfo {
+  int64_t code;
+  const char* codeName;
+  const char* descriptionName;
+  const char* description;
+} tavuro_TavuroErrorInfo;
+
+/** Stores the entry of `code` in *info and returns true; false when no error
+ * has that code (0, positive numbers, the gaps of the numbering). */
+TAVURO_EXPORT bool tavuro_TavuroErrorInfo_forCode(int64_t code, tavuro_TavuroErrorInfo* info);
+/** Copies up to `capacity` entries into `entries` (which may be NULL when
+ * `capacity` is 0) and returns how many there are: the codes from -1
+ * downwards, then the texts without a code. */
+TAVURO_EXPORT size_t tavuro_TavuroErrorInfo_all(tavuro_TavuroErrorInfo* entries, size_t capacity);
 
 /* ======================================================================== */
 /* Start-up                                                                 */
@@ -231,7 +288,12 @@ typedef struct tavuro_ITavuroPackage {
  * this library) and borrowed (rule 8). */
 typedef void (*tavuro_TavuroInitializerCallback)(void* context, tavuro_TavuroError* error);
 
+/* BEGIN generated from interface/TavuroCommon.json: TavuroInitializer */
 TAVURO_EXPORT tavuro_TavuroInitializer* tavuro_TavuroInitializer_init(void);
+TAVURO_EXPORT tavuro_TavuroInitializer* tavuro_TavuroInitializer_retain(
+    tavuro_TavuroInitializer* handle);
+TAVURO_EXPORT void tavuro_TavuroInitializer_release(tavuro_TavuroInitializer* handle);
+/* END generated: TavuroInitializer */
 /** Calls every package's `initialize` in array order (duplicates included;
  * entries whose `initialize` is NULL are skipped), then `callback(context,
  * NULL)` once, all before it returns. `packages` may be NULL when `count` is
@@ -239,9 +301,6 @@ TAVURO_EXPORT tavuro_TavuroInitializer* tavuro_TavuroInitializer_init(void);
 TAVURO_EXPORT void tavuro_TavuroInitializer_initializeWithPackages_callback(
     tavuro_TavuroInitializer* initializer, const tavuro_ITavuroPackage* packages, size_t count,
     tavuro_TavuroInitializerCallback callback, void* context);
-TAVURO_EXPORT tavuro_TavuroInitializer* tavuro_TavuroInitializer_retain(
-    tavuro_TavuroInitializer* initializer);
-TAVURO_EXPORT void tavuro_TavuroInitializer_release(tavuro_TavuroInitializer* initializer);
 
 /* ======================================================================== */
 /* Image                                                                    */
@@ -253,6 +312,7 @@ typedef struct tavuro_Point {
   double y;
 } tavuro_Point;
 
+/* BEGIN generated from interface/TavuroCommon.json: Image */
 /** Every field at its default. */
 TAVURO_EXPORT tavuro_Image* tavuro_Image_newInstance(void);
 /** A default record holding `image` and then `data` (NULL allowed). */
@@ -271,6 +331,11 @@ TAVURO_EXPORT bool tavuro_Image_isCorrectAspectRatio(const tavuro_Image* record)
 TAVURO_EXPORT void tavuro_Image_setIsCorrectAspectRatio(tavuro_Image* record, bool value);
 TAVURO_EXPORT float tavuro_Image_aspectRatio(const tavuro_Image* record);
 TAVURO_EXPORT void tavuro_Image_setAspectRatio(tavuro_Image* record, float aspectRatio);
+TAVURO_EXPORT bool tavuro_Image_isPassport(const tavuro_Image* record);
+TAVURO_EXPORT void tavuro_Image_setIsPassport(tavuro_Image* record, bool isPassport);
+TAVURO_EXPORT tavuro_Image* tavuro_Image_retain(tavuro_Image* handle);
+TAVURO_EXPORT void tavuro_Image_release(tavuro_Image* handle);
+/* END generated: Image */
 /** Copies up to `capacity` points into `points` (which may be NULL when
  * `capacity` is 0) and returns how many the record holds: call it once with
  * capacity 0 to learn the count. */
@@ -279,25 +344,25 @@ TAVURO_EXPORT size_t tavuro_Image_points(const tavuro_Image* record, tavuro_Poin
 /** Replaces the points with a copy of `count` points (NULL when 0). */
 TAVURO_EXPORT void tavuro_Image_setPoints(tavuro_Image* record, const tavuro_Point* points,
                                           size_t count);
-TAVURO_EXPORT bool tavuro_Image_isPassport(const tavuro_Image* record);
-TAVURO_EXPORT void tavuro_Image_setIsPassport(tavuro_Image* record, bool isPassport);
-TAVURO_EXPORT tavuro_Image* tavuro_Image_retain(tavuro_Image* record);
-TAVURO_EXPORT void tavuro_Image_release(tavuro_Image* record);
 
 /* ======================================================================== */
 /* Processing mode and small enumerations (they cross as raw values)       */
 /* ======================================================================== */
 
+/* BEGIN generated from interface/TavuroCommon.json: enums */
 enum {
   TAVURO_PROCESSING_MODE_RESERVED = 0,
   TAVURO_PROCESSING_MODE_DATA_CAPTURE = 1,
   TAVURO_PROCESSING_MODE_STANDARD = 2
 };
 enum { TAVURO_DELETE_TYPE_KIND0 = 0, TAVURO_DELETE_TYPE_KIND1 = 1 };
+/* END generated: enums */
 
+/* BEGIN generated from interface/TavuroCommon.json: DocumentProcessingMode */
 /** The process's mode as its raw value: 2 at first, 1 after the switch. */
 TAVURO_EXPORT int64_t tavuro_DocumentProcessingMode_processingMode(void);
 TAVURO_EXPORT void tavuro_DocumentProcessingMode_setDataCaptureProcessingMode(void);
+/* END generated: DocumentProcessingMode */
 
 /* ======================================================================== */
 /* JSON values                                                              */
@@ -322,16 +387,19 @@ TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonDictionary_valueAtIndex(
 /** The value under `key` (a JSON null is a value); NULL when there is none. */
 TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonDictionary_objectForKey(
     const tavuro_JsonDictionary* dictionary, const char* key);
-TAVURO_EXPORT tavuro_JsonDictionary* tavuro_JsonDictionary_retain(
-    tavuro_JsonDictionary* dictionary);
-TAVURO_EXPORT void tavuro_JsonDictionary_release(tavuro_JsonDictionary* dictionary);
+/* BEGIN generated from interface/TavuroCommon.json: JsonDictionary */
+TAVURO_EXPORT tavuro_JsonDictionary* tavuro_JsonDictionary_retain(tavuro_JsonDictionary* handle);
+TAVURO_EXPORT void tavuro_JsonDictionary_release(tavuro_JsonDictionary* handle);
+/* END generated: JsonDictionary */
 
 TAVURO_EXPORT size_t tavuro_JsonArray_count(const tavuro_JsonArray* array);
 /** The element at `index`; NULL when out of range. */
 TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonArray_objectAtIndex(const tavuro_JsonArray* array,
                                                                size_t index);
-TAVURO_EXPORT tavuro_JsonArray* tavuro_JsonArray_retain(tavuro_JsonArray* array);
-TAVURO_EXPORT void tavuro_JsonArray_release(tavuro_JsonArray* array);
+/* BEGIN generated from interface/TavuroCommon.json: JsonArray */
+TAVURO_EXPORT tavuro_JsonArray* tavuro_JsonArray_retain(tavuro_JsonArray* handle);
+TAVURO_EXPORT void tavuro_JsonArray_release(tavuro_JsonArray* handle);
+/* END generated: JsonArray */
 
 /** The kind of a value; TAVURO_JSON_NULL for NULL. */
 TAVURO_EXPORT tavuro_JsonKind tavuro_JsonValue_kind(const tavuro_JsonValue* value);
@@ -347,19 +415,22 @@ TAVURO_EXPORT char* tavuro_JsonValue_stringValue(const tavuro_JsonValue* value, 
 TAVURO_EXPORT tavuro_JsonArray* tavuro_JsonValue_arrayValue(const tavuro_JsonValue* value);
 TAVURO_EXPORT tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(
     const tavuro_JsonValue* value);
-TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonValue_retain(tavuro_JsonValue* value);
-TAVURO_EXPORT void tavuro_JsonValue_release(tavuro_JsonValue* value);
+/* BEGIN generated from interface/TavuroCommon.json: JsonValue */
+TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonValue_retain(tavuro_JsonValue* handle);
+TAVURO_EXPORT void tavuro_JsonValue_release(tavuro_JsonValue* handle);
+/* END generated: JsonValue */
 
 /* ======================================================================== */
 /* Utils                                                                    */
 /* ======================================================================== */
 
+/* BEGIN generated from interface/TavuroCommon.json: Utils */
 /** The dictionary of a JSON object text; NULL for NULL, for an array and for
  * text that is not JSON (which also prints the reader's one-line error
  * description on standard output). Texts holding a NUL byte cannot be
  * passed: the text ends there. */
 TAVURO_EXPORT tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithText(const char* text);
-/* The typed getters: `jsonDict` NULL stands for an absent dictionary. Each
+/** The typed getters: `jsonDict` NULL stands for an absent dictionary. Each
  * gives its default (0, 0.0, "", false, NULL) when the dictionary is absent,
  * the key is missing or NULL, the value is null or of another kind. */
 TAVURO_EXPORT int64_t
@@ -380,20 +451,19 @@ TAVURO_EXPORT tavuro_JsonArray* tavuro_Utils_getArrayValueFromJsonWithJsonDict_k
 /** "/Date(1234567890000)/" gives "02-13-2009"; anything that is not a plain
  * millisecond count comes back unchanged. NULL ends the process (rule 11). */
 TAVURO_EXPORT char* tavuro_Utils_dateFieldToDateStringWithDateStr(const char* dateStr);
-
 TAVURO_EXPORT double tavuro_Utils_SENT_IMAGE_QUALITY_JPEG_COMPRESSION(void);
 TAVURO_EXPORT void tavuro_Utils_setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality);
 TAVURO_EXPORT char* tavuro_Utils_SDK_VERSION_CODE(void);
 /** Stores a copy of the text; NULL leaves the setting unchanged (the setting
  * is never absent). */
 TAVURO_EXPORT void tavuro_Utils_setSDK_VERSION_CODE(const char* versionCode);
+/* END generated: Utils */
 
 /* ======================================================================== */
 /* Endpoints                                                                */
 /* ======================================================================== */
 
-/** Every field absent. */
-TAVURO_EXPORT tavuro_Endpoints* tavuro_Endpoints_newInstance(void);
+/* BEGIN generated from interface/TavuroCommon.json: Endpoints */
 /* Getters return a copy (rule 3); setters copy the text, NULL clears it. */
 TAVURO_EXPORT char* tavuro_Endpoints_frmEndpoint(const tavuro_Endpoints* endpoints);
 TAVURO_EXPORT void tavuro_Endpoints_setFrmEndpoint(tavuro_Endpoints* endpoints,
@@ -410,13 +480,17 @@ TAVURO_EXPORT void tavuro_Endpoints_setHealthInsuranceEndpoint(tavuro_Endpoints*
 TAVURO_EXPORT char* tavuro_Endpoints_kelmoEndpoint(const tavuro_Endpoints* endpoints);
 TAVURO_EXPORT void tavuro_Endpoints_setKelmoEndpoint(tavuro_Endpoints* endpoints,
                                                      const char* endpoint);
-TAVURO_EXPORT tavuro_Endpoints* tavuro_Endpoints_retain(tavuro_Endpoints* endpoints);
-TAVURO_EXPORT void tavuro_Endpoints_release(tavuro_Endpoints* endpoints);
+/** Every field absent. */
+TAVURO_EXPORT tavuro_Endpoints* tavuro_Endpoints_newInstance(void);
+TAVURO_EXPORT tavuro_Endpoints* tavuro_Endpoints_retain(tavuro_Endpoints* handle);
+TAVURO_EXPORT void tavuro_Endpoints_release(tavuro_Endpoints* handle);
+/* END generated: Endpoints */
 
 /* ======================================================================== */
 /* Tokens                                                                   */
 /* ======================================================================== */
 
+/* BEGIN generated from interface/TavuroCommon.json: TavuroJwtToken */
 /** A token record holding a copy of `value` and `expiration` (seconds since
  * 1970-01-01T00:00:00 UTC); NULL when `value` is NULL. */
 TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_initWithValue_expiration(
@@ -426,9 +500,11 @@ TAVURO_EXPORT char* tavuro_TavuroJwtToken_value(const tavuro_TavuroJwtToken* tok
 TAVURO_EXPORT double tavuro_TavuroJwtToken_expiration(const tavuro_TavuroJwtToken* token);
 /** True while now is strictly before the expiration; false for NULL. */
 TAVURO_EXPORT bool tavuro_TavuroJwtToken_isValid(const tavuro_TavuroJwtToken* token);
-TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_retain(tavuro_TavuroJwtToken* token);
-TAVURO_EXPORT void tavuro_TavuroJwtToken_release(tavuro_TavuroJwtToken* token);
+TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_TavuroJwtToken_retain(tavuro_TavuroJwtToken* handle);
+TAVURO_EXPORT void tavuro_TavuroJwtToken_release(tavuro_TavuroJwtToken* handle);
+/* END generated: TavuroJwtToken */
 
+/* BEGIN generated from interface/TavuroCommon.json: TavuroJwtParser */
 TAVURO_EXPORT tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_init(void);
 /** The token record, NULL when "exp" is missing or not a whole number. A
  * NULL token gives NULL; a token without "." ends the process (rule 11). */
@@ -444,24 +520,22 @@ TAVURO_EXPORT tavuro_ByteBuffer* tavuro_TavuroJwtParser_base64UrlDecode(
 /** The JSON object in one base64url segment; NULL when there is none. */
 TAVURO_EXPORT tavuro_JsonDictionary* tavuro_TavuroJwtParser_decodeJWTPart(
     const tavuro_TavuroJwtParser* parser, const char* segment);
-TAVURO_EXPORT tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_retain(tavuro_TavuroJwtParser* parser);
-TAVURO_EXPORT void tavuro_TavuroJwtParser_release(tavuro_TavuroJwtParser* parser);
+TAVURO_EXPORT tavuro_TavuroJwtParser* tavuro_TavuroJwtParser_retain(tavuro_TavuroJwtParser* handle);
+TAVURO_EXPORT void tavuro_TavuroJwtParser_release(tavuro_TavuroJwtParser* handle);
+/* END generated: TavuroJwtParser */
 
 /* ======================================================================== */
 /* Credential: the process-wide store                                       */
 /* ======================================================================== */
 
+/* BEGIN generated from interface/TavuroCommon.json: Credential */
+/* The process-wide store. It loads itself on first use; every setter stores
+ * the value (NULL clears it), then rewrites the file. */
 TAVURO_EXPORT char* tavuro_Credential_username(void);
 TAVURO_EXPORT char* tavuro_Credential_password(void);
 TAVURO_EXPORT char* tavuro_Credential_subscription(void);
 /** The store's own record (rule 7); NULL when it has none. */
 TAVURO_EXPORT tavuro_Endpoints* tavuro_Credential_endpoints(void);
-/* The setters store the value (NULL clears it), then rewrite the file. */
-TAVURO_EXPORT void tavuro_Credential_setUsernameWithUsername(const char* username);
-TAVURO_EXPORT void tavuro_Credential_setPasswordWithPassword(const char* password);
-TAVURO_EXPORT void tavuro_Credential_setSubscriptionWithSubscription(const char* subscription);
-/** Keeps the record itself (its own reference), not a copy; NULL clears. */
-TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints* endpoints);
 /** Drops the stored token; false when none was stored. */
 TAVURO_EXPORT bool tavuro_Credential_removeToken(void);
 /** Stores the token when its "exp" lies after now. NULL gives false; a token
@@ -470,6 +544,12 @@ TAVURO_EXPORT bool tavuro_Credential_setTokenWithToken(const char* token);
 TAVURO_EXPORT bool tavuro_Credential_isCredentialValidWithEndpoint(const char* endpoint);
 TAVURO_EXPORT char* tavuro_Credential_getTavuroAuthHeader(void);
 TAVURO_EXPORT char* tavuro_Credential_getBasicAuthHeader(void);
+TAVURO_EXPORT void tavuro_Credential_setUsernameWithUsername(const char* username);
+TAVURO_EXPORT void tavuro_Credential_setPasswordWithPassword(const char* password);
+TAVURO_EXPORT void tavuro_Credential_setSubscriptionWithSubscription(const char* subscription);
+/** Keeps the record itself (its own reference), not a copy; NULL clears. */
+TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints* endpoints);
+/* END generated: Credential */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -1,4 +1,5 @@
-// The decoded picture that image records carry.
+// Picture, the decoded picture that image records carry, and the sizes of
+// its pixel formats.
 #include <limits>
 
 #include "TavuroCommon/TavuroCommon.h"
@@ -16,8 +17,7 @@ std::size_t bytesPerPixel(PixelFormat format) noexcept {
 }
 
 std::shared_ptr<const Picture> Picture::make(std::uint32_t width, std::uint32_t height,
-                                             PixelFormat format,
-                                             std::vector<std::uint8_t> pixels) {
+                                             PixelFormat format, std::vector<std::uint8_t> pixels) {
   const std::size_t perPixel = bytesPerPixel(format);
   if (perPixel == 0) return nullptr;
   // The expected size must not wrap around, or a short buffer could pass.
