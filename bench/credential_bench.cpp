@@ -23,9 +23,10 @@ std::string base64Url(const std::string& bytes) {
 const std::string& typicalToken() {
   static const std::string token =
       base64Url(R"({"alg":"RS256","typ":"JWT","kid":"f3a9c1d2e4b5"})") + "." +
-      base64Url(R"({"iss":"https://auth.example.com/","sub":"a1b2c3d4-e5f6-7890-abcd-ef1234567890",)"
-                R"("aud":"capture","iat":1700000000,"nbf":1700000000,"exp":4102444800,)"
-                R"("scope":"document face"})") +
+      base64Url(
+          R"({"iss":"https://auth.example.com/","sub":"a1b2c3d4-e5f6-7890-abcd-ef1234567890",)"
+          R"("aud":"capture","iat":1700000000,"nbf":1700000000,"exp":4102444800,)"
+          R"("scope":"document face"})") +
       "." + base64Url(std::string(80, '\x5a'));
   return token;
 }

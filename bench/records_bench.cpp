@@ -7,9 +7,9 @@ namespace {
 
 void BM_TavuroErrorFromTables(benchmark::State& state) {
   for (auto _ : state) {
-    auto error = std::make_shared<tavuro::TavuroError>(
-        tavuro::TavuroErrorCodes::ERROR_Network,
-        tavuro::TavuroErrorDescriptions::ERROR_DESC_Network);
+    auto error =
+        std::make_shared<tavuro::TavuroError>(tavuro::TavuroErrorCodes::ERROR_Network,
+                                              tavuro::TavuroErrorDescriptions::ERROR_DESC_Network);
     benchmark::DoNotOptimize(error);
   }
 }

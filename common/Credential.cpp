@@ -231,15 +231,21 @@ CredentialStore& sharedCredentialStore() {
 
 using detail::sharedCredentialStore;
 
-std::optional<std::string> Credential::username() { return sharedCredentialStore().username(); }
+std::optional<std::string> Credential::username() {
+  return sharedCredentialStore().username();
+}
 
-std::optional<std::string> Credential::password() { return sharedCredentialStore().password(); }
+std::optional<std::string> Credential::password() {
+  return sharedCredentialStore().password();
+}
 
 std::optional<std::string> Credential::subscription() {
   return sharedCredentialStore().subscription();
 }
 
-std::shared_ptr<Endpoints> Credential::endpoints() { return sharedCredentialStore().endpoints(); }
+std::shared_ptr<Endpoints> Credential::endpoints() {
+  return sharedCredentialStore().endpoints();
+}
 
 void Credential::setUsername(const std::optional<std::string>& username) {
   sharedCredentialStore().setUsername(username);
@@ -257,13 +263,17 @@ void Credential::setEndpoints(std::shared_ptr<Endpoints> endpoints) {
   sharedCredentialStore().setEndpoints(std::move(endpoints));
 }
 
-bool Credential::removeToken() { return sharedCredentialStore().removeToken(); }
+bool Credential::removeToken() {
+  return sharedCredentialStore().removeToken();
+}
 
 bool Credential::setToken(const std::string& token) {
   return sharedCredentialStore().setToken(token);
 }
 
-std::shared_ptr<TavuroJwtToken> Credential::getToken() { return sharedCredentialStore().token(); }
+std::shared_ptr<TavuroJwtToken> Credential::getToken() {
+  return sharedCredentialStore().token();
+}
 
 bool Credential::isCredentialValid(const std::optional<std::string>& endpoint) {
   // The endpoint is looked at before the store is touched.

@@ -30,20 +30,21 @@ struct CredentialFields {
 
 /// What the configuration file `bytes` gives. Every field is absent when
 /// the bytes are no property list or its root is no dictionary.
-CredentialFields credentialFieldsFrom(std::string_view bytes);
+[[nodiscard]] CredentialFields credentialFieldsFrom(std::string_view bytes);
 
 /// Reads the configuration file at `path` as `credentialFieldsFrom` does;
 /// every field is absent when the file cannot be read. Removes what crashed
 /// saves left beside it first.
-CredentialFields loadCredentialFile(const std::string& path);
+[[nodiscard]] CredentialFields loadCredentialFile(const std::string& path);
 
 /// The dictionary a save writes: only the keys that are saved, each only
 /// when its value is present.
-std::map<std::string, std::string> credentialFileDictionary(const CredentialFields& fields);
+[[nodiscard]] std::map<std::string, std::string> credentialFileDictionary(
+    const CredentialFields& fields);
 
 /// The file a save writes for `fields`; nullopt when no file would load
 /// back as the same fields (see platform::writeFaithfulXmlPlist).
-std::optional<std::string> credentialFileBytes(const CredentialFields& fields);
+[[nodiscard]] std::optional<std::string> credentialFileBytes(const CredentialFields& fields);
 
 /// The state and rules of `Credential`. The constructor loads the
 /// configuration file; each setter saves it. Not synchronised.
@@ -62,16 +63,20 @@ class CredentialStore {
 
   /// The system clock, "TavuroConfig.plist" in `resourceDirectory()`, and
   /// the atomic replacement of the file.
-  static Environment systemEnvironment();
+  [[nodiscard]] static Environment systemEnvironment();
 
   explicit CredentialStore(Environment environment);
 
-  const std::optional<std::string>& username() const noexcept { return username_; }
-  const std::optional<std::string>& password() const noexcept { return password_; }
-  const std::optional<std::string>& subscription() const noexcept { return subscription_; }
-  const std::shared_ptr<Endpoints>& endpoints() const noexcept { return endpoints_; }
-  const std::shared_ptr<TavuroJwtToken>& token() const noexcept { return token_; }
-  const std::optional<std::string>& basicAuthHeader() const noexcept { return basicAuthHeader_; }
+  [[nodiscard]] const std::optional<std::string>& username() const noexcept { return username_; }
+  [[nodiscard]] const std::optional<std::string>& password() const noexcept { return password_; }
+  [[nodiscard]] const std::optional<std::string>& subscription() const noexcept {
+    return subscription_;
+  }
+  [[nodiscard]] const std::shared_ptr<Endpoints>& endpoints() const noexcept { return endpoints_; }
+  [[nodiscard]] const std::shared_ptr<TavuroJwtToken>& token() const noexcept { return token_; }
+  [[nodiscard]] const std::optional<std::string>& basicAuthHeader() const noexcept {
+    return basicAuthHeader_;
+  }
 
   void setUsername(const std::optional<std::string>& username);
   void setPassword(const std::optional<std::string>& password);
@@ -82,8 +87,8 @@ class CredentialStore {
   bool removeToken() noexcept;
   /// True when user name, password and subscription are all present and
   /// non-empty, or a token is stored; the endpoint is the caller's check.
-  bool hasCredentialsOrToken() const noexcept;
-  std::optional<std::string> tavuroAuthHeader() const;
+  [[nodiscard]] bool hasCredentialsOrToken() const noexcept;
+  [[nodiscard]] std::optional<std::string> tavuroAuthHeader() const;
 
  private:
   void saveFile() const;
@@ -103,7 +108,7 @@ class CredentialStore {
 
 /// The process-wide store, made and loaded on first use under the once-only
 /// guard of a function-local static, and never destroyed.
-CredentialStore& sharedCredentialStore();
+[[nodiscard]] CredentialStore& sharedCredentialStore();
 
 }  // namespace tavuro::detail
 

@@ -4,14 +4,20 @@ namespace tavuro {
 
 Endpoints::~Endpoints() = default;
 
-std::shared_ptr<Endpoints> Endpoints::newInstance() { return std::make_shared<Endpoints>(); }
+std::shared_ptr<Endpoints> Endpoints::newInstance() {
+  return std::make_shared<Endpoints>();
+}
 
-std::optional<std::string> Endpoints::frmEndpoint() const { return frmEndpoint_; }
+std::optional<std::string> Endpoints::frmEndpoint() const {
+  return frmEndpoint_;
+}
 void Endpoints::setFrmEndpoint(std::optional<std::string> endpoint) {
   frmEndpoint_ = std::move(endpoint);
 }
 
-std::optional<std::string> Endpoints::idEndpoint() const { return idEndpoint_; }
+std::optional<std::string> Endpoints::idEndpoint() const {
+  return idEndpoint_;
+}
 void Endpoints::setIdEndpoint(std::optional<std::string> endpoint) {
   idEndpoint_ = std::move(endpoint);
 }
@@ -30,7 +36,9 @@ void Endpoints::setHealthInsuranceEndpoint(std::optional<std::string> endpoint) 
   healthInsuranceEndpoint_ = std::move(endpoint);
 }
 
-std::optional<std::string> Endpoints::kelmoEndpoint() const { return kelmoEndpoint_; }
+std::optional<std::string> Endpoints::kelmoEndpoint() const {
+  return kelmoEndpoint_;
+}
 void Endpoints::setKelmoEndpoint(std::optional<std::string> endpoint) {
   kelmoEndpoint_ = std::move(endpoint);
 }

@@ -4,7 +4,9 @@ namespace tavuro {
 
 Image::~Image() = default;
 
-std::shared_ptr<Image> Image::newInstance() { return std::make_shared<Image>(); }
+std::shared_ptr<Image> Image::newInstance() {
+  return std::make_shared<Image>();
+}
 
 std::shared_ptr<Image> Image::newInstance(std::shared_ptr<const Picture> image,
                                           std::shared_ptr<ByteBuffer> data) {

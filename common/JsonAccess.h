@@ -30,19 +30,20 @@ namespace tavuro::detail {
 /// The library's own door into the JSON value classes, for code that must
 /// not pay for reference counting on every lookup (the `Utils` getters).
 struct JsonAccess {
-  static const platform::JsonNode* node(const JsonNode* handle) noexcept {
+  [[nodiscard]] static const platform::JsonNode* node(const JsonNode* handle) noexcept {
     return reinterpret_cast<const platform::JsonNode*>(handle);
   }
-  static const JsonNode* handle(const platform::JsonNode* node) noexcept {
+  [[nodiscard]] static const JsonNode* handle(const platform::JsonNode* node) noexcept {
     return reinterpret_cast<const JsonNode*>(node);
   }
-  static const platform::JsonDocument& document(
+  [[nodiscard]] static const platform::JsonDocument& document(
       const std::shared_ptr<const JsonDocument>& handle) noexcept {
     return *reinterpret_cast<const platform::JsonDocument*>(handle.get());
   }
 
   /// The top-level value of a document the reader made.
-  static JsonValue root(const std::shared_ptr<const platform::JsonDocument>& document) noexcept {
+  [[nodiscard]] static JsonValue root(
+      const std::shared_ptr<const platform::JsonDocument>& document) noexcept {
     const auto* handle = reinterpret_cast<const JsonDocument*>(document.get());
     return JsonValue(std::shared_ptr<const JsonDocument>(document, handle),
                      JsonAccess::handle(&document->root));
@@ -50,16 +51,18 @@ struct JsonAccess {
 
   /// The node stored under `key`, or null when there is none. A borrowed
   /// pointer: `dictionary` keeps it alive.
-  static const platform::JsonNode* find(const JsonDictionary& dictionary,
-                                        std::string_view key) noexcept {
+  [[nodiscard]] static const platform::JsonNode* find(const JsonDictionary& dictionary,
+                                                      std::string_view key) noexcept {
     if (dictionary.node_ == nullptr) return nullptr;
     return platform::findMember(document(dictionary.document_), *node(dictionary.node_), key);
   }
   /// `node`, an object or array of the same document as `owner`.
-  static JsonDictionary dictionary(const JsonDictionary& owner, const platform::JsonNode* node) {
+  [[nodiscard]] static JsonDictionary dictionary(const JsonDictionary& owner,
+                                                 const platform::JsonNode* node) {
     return JsonDictionary(owner.document_, handle(node));
   }
-  static JsonArray array(const JsonDictionary& owner, const platform::JsonNode* node) {
+  [[nodiscard]] static JsonArray array(const JsonDictionary& owner,
+                                       const platform::JsonNode* node) {
     return JsonArray(owner.document_, handle(node));
   }
 };
@@ -72,7 +75,7 @@ struct JsonReadResult {
 };
 
 /// Reads `bytes` with the platform reader and wraps what it made.
-inline JsonReadResult readJson(std::string_view bytes) {
+[[nodiscard]] inline JsonReadResult readJson(std::string_view bytes) {
   platform::JsonParseResult parsed = platform::parseJson(bytes);
   JsonReadResult result;
   if (parsed.document) result.value = JsonAccess::root(parsed.document);

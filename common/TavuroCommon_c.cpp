@@ -419,6 +419,8 @@ tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(const tavuro_JsonValue* 
 // Every regular member
 // ---------------------------------------------------------------------------
 
+// The macros below define functions, not expressions, so their replacement
+// lists cannot be parenthesised. NOLINTBEGIN(bugprone-macro-parentheses)
 #define TAVURO_C_REFERENCE_COUNTING(Type)                        \
   tavuro_##Type* tavuro_##Type##_retain(tavuro_##Type* handle) { \
     return retain(handle);                                       \
@@ -434,6 +436,7 @@ tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(const tavuro_JsonValue* 
   const char* tavuro_TavuroErrorDescriptions_##name(void) { \
     return tavuro::TavuroErrorDescriptions::name;           \
   }
+// NOLINTEND(bugprone-macro-parentheses)
 
 // BEGIN generated from interface/TavuroCommon.json: wrappers
 TAVURO_C_REFERENCE_COUNTING(TavuroInitializer)

@@ -2,8 +2,7 @@
 
 namespace tavuro {
 
-TavuroError::TavuroError(std::int64_t errorCode,
-                         std::optional<std::string> errorDescription)
+TavuroError::TavuroError(std::int64_t errorCode, std::optional<std::string> errorDescription)
     : errorCode_(errorCode), errorDescription_(std::move(errorDescription)) {}
 
 TavuroError::~TavuroError() = default;

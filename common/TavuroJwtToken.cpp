@@ -8,7 +8,9 @@ TavuroJwtToken::TavuroJwtToken(std::string value, Instant expiration)
 
 TavuroJwtToken::~TavuroJwtToken() = default;
 
-bool TavuroJwtToken::isValid() const { return isValidAt(platform::wallClockNow()); }
+bool TavuroJwtToken::isValid() const {
+  return isValidAt(platform::wallClockNow());
+}
 
 bool TavuroJwtToken::isValidAt(Instant now) const noexcept {
   // Strict and without margin: the token is already unusable at the very

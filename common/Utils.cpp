@@ -104,8 +104,7 @@ std::string Utils::getStringValue(const std::optional<JsonDictionary>& jsonDict,
   }
 }
 
-bool Utils::getBooleanValue(const std::optional<JsonDictionary>& jsonDict,
-                            const std::string& key) {
+bool Utils::getBooleanValue(const std::optional<JsonDictionary>& jsonDict, const std::string& key) {
   const platform::JsonNode* node = lookUp(jsonDict, key);
   return node != nullptr && platform::exactBool(*node).value_or(false);
 }
@@ -124,8 +123,8 @@ std::optional<JsonArray> Utils::getArrayValue(const std::optional<JsonDictionary
   return detail::JsonAccess::array(*jsonDict, node);
 }
 
-std::optional<JsonArray> Utils::getArrayValueFromJson(
-    const std::optional<JsonDictionary>& jsonDict, const std::string& key) {
+std::optional<JsonArray> Utils::getArrayValueFromJson(const std::optional<JsonDictionary>& jsonDict,
+                                                      const std::string& key) {
   return getArrayValue(jsonDict, key);
 }
 
@@ -158,7 +157,7 @@ struct DateFieldDigits {
     return true;
   }
 
-  std::int64_t value() const {
+  [[nodiscard]] std::int64_t value() const {
     if (!negative || magnitude == 0) return static_cast<std::int64_t>(magnitude);
     // Goes through magnitude - 1 so that 2^63 itself never has to fit.
     return -static_cast<std::int64_t>(magnitude - 1) - 1;

@@ -38,8 +38,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::optional<std::string> file = tavuro::detail::credentialFileBytes(saved);
   if (!file) return 0;  // the save fails and the old file stays
   const tavuro::detail::CredentialFields loaded = tavuro::detail::credentialFieldsFrom(*file);
-  if (!loaded.endpoints || loaded.username != saved.username ||
-      loaded.password != saved.password || loaded.subscription != saved.subscription ||
+  if (!loaded.endpoints || loaded.username != saved.username || loaded.password != saved.password ||
+      loaded.subscription != saved.subscription ||
       loaded.endpoints->frmEndpoint() != saved.endpoints->frmEndpoint() ||
       loaded.endpoints->idEndpoint() != saved.endpoints->idEndpoint() ||
       loaded.endpoints->healthInsuranceEndpoint() != saved.endpoints->healthInsuranceEndpoint()) {

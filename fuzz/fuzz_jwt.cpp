@@ -9,15 +9,16 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   const tavuro::TavuroJwtParser parser;
-  parser.base64UrlDecode(text);
-  parser.decodeJWTPart(text);
+  (void)parser.base64UrlDecode(text);
+  (void)parser.decodeJWTPart(text);
   // A token without "." ends the process by design; that is not a finding.
   if (text.find('.') == std::string::npos) return 0;
 
   const tavuro::JsonDictionary claims = parser.decode(text);
   // decode reads the second segment exactly as decodeJWTPart does.
   const std::size_t first = text.find('.');
-  const auto part = parser.decodeJWTPart(text.substr(first + 1, text.find('.', first + 1) - first - 1));
+  const auto part =
+      parser.decodeJWTPart(text.substr(first + 1, text.find('.', first + 1) - first - 1));
   if (claims.size() != (part ? part->size() : 0)) __builtin_trap();
   const auto token = parser.parseToken(text);
   if (!token) return 0;

@@ -86,14 +86,14 @@ inline void decodeCleanGroups(const unsigned char*& in, const unsigned char* end
   while (end - in >= 8) {
     const std::uint32_t first = groupBits(in);
     const std::uint32_t second = groupBits(in + 4);
-    if ((first | second) & kBadGroup) break;
+    if (((first | second) & kBadGroup) != 0U) break;
     appendGroup(pending, first, out);
     appendGroup(pending, second, out);
     in += 8;
   }
   if (end - in >= 4) {
     const std::uint32_t group = groupBits(in);
-    if (!(group & kBadGroup)) {
+    if ((group & kBadGroup) == 0U) {
       appendGroup(pending, group, out);
       in += 4;
     }

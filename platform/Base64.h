@@ -14,14 +14,13 @@
 namespace tavuro::platform {
 
 /// Standard base64 (RFC 4648 alphabet, "=" padding, no line breaks).
-std::string base64Encode(std::string_view bytes);
+[[nodiscard]] std::string base64Encode(std::string_view bytes);
 
 /// Lenient decoding: characters outside A-Z a-z 0-9 + / and "=" are skipped;
 /// decoding stops at the first "="; a final group of two or three alphabet
 /// characters gives one or two bytes; a final group of exactly one character
 /// makes the text undecodable (nullopt).
-std::optional<std::vector<std::uint8_t>> base64DecodeLenient(
-    std::string_view text);
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> base64DecodeLenient(std::string_view text);
 
 }  // namespace tavuro::platform
 

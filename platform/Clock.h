@@ -12,7 +12,7 @@ using WallTime = std::chrono::time_point<std::chrono::system_clock, std::chrono:
 
 /// The current wall-clock time. Whoever must be tested at an exact instant
 /// takes the clock as a function of this shape instead of calling it.
-WallTime wallClockNow() noexcept;
+[[nodiscard]] WallTime wallClockNow() noexcept;
 
 }  // namespace tavuro::platform
 

@@ -11,7 +11,7 @@ namespace tavuro::platform {
 
 /// `secondsSinceEpoch` (seconds since 1970-01-01T00:00:00 UTC) as
 /// "MM-dd-yyyy" in GMT; the year is the year of era, at least four digits.
-std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch);
+[[nodiscard]] std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch);
 
 }  // namespace tavuro::platform
 

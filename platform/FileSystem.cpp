@@ -10,7 +10,7 @@
 #define TAVURO_POSIX_FILES 1
 #include <dirent.h>
 #include <fcntl.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the POSIX header of kill()
 #include <sys/stat.h>
 #include <unistd.h>
 #else
@@ -82,10 +82,10 @@ std::string temporaryPrefixFor(const std::string& path) {
 
 std::uint64_t processNonce() {
   static const std::uint64_t nonce = [] {
-    const auto now = static_cast<std::uint64_t>(
-        std::chrono::system_clock::now().time_since_epoch().count());
-    const auto ticks = static_cast<std::uint64_t>(
-        std::chrono::steady_clock::now().time_since_epoch().count());
+    const auto now =
+        static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    const auto ticks =
+        static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
     return (now ^ (ticks * 0x9E3779B97F4A7C15ULL)) % 1000000007ULL;
   }();
   return nonce;
@@ -177,8 +177,12 @@ bool nameUnnamed(int fd, const std::string& path, std::string& name) {
 }
 #else
 constexpr bool kHaveUnnamedFiles = false;
-int createUnnamedIn(const std::string&) { return -1; }
-bool nameUnnamed(int, const std::string&, std::string&) { return false; }
+int createUnnamedIn(const std::string&) {
+  return -1;
+}
+bool nameUnnamed(int, const std::string&, std::string&) {
+  return false;
+}
 #endif
 
 // What the new file takes over from the file it replaces, so that a

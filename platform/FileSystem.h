@@ -20,8 +20,8 @@ inline constexpr std::size_t kMaxFileReadBytes = std::size_t{16} << 20;
 
 /// The whole content of the regular file at `path`; nullopt when it cannot
 /// be opened or read, is no regular file, or holds more than `maxBytes`.
-std::optional<std::string> readWholeFile(const std::string& path,
-                                         std::size_t maxBytes = kMaxFileReadBytes);
+[[nodiscard]] std::optional<std::string> readWholeFile(const std::string& path,
+                                                       std::size_t maxBytes = kMaxFileReadBytes);
 
 /// Points inside `writeFileAtomically` at which a test may stop the process
 /// to see what a crash there leaves behind.

@@ -27,7 +27,7 @@ struct JsonParseResult {
 
 /// Parses `bytes`. Never throws for bad input and never recurses deeper
 /// than the nesting limit.
-JsonParseResult parseJson(std::string_view bytes);
+[[nodiscard]] JsonParseResult parseJson(std::string_view bytes);
 
 /// Frees the node memory kept from documents that are gone. Documents still
 /// alive are not affected.

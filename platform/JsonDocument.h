@@ -73,7 +73,7 @@ class NodeArena {
   ~NodeArena();
 
   /// Uninitialised, 8-byte aligned room for `bytes` bytes.
-  void* allocate(std::size_t bytes) {
+  [[nodiscard]] void* allocate(std::size_t bytes) {
     if (bytes <= static_cast<std::size_t>(limit_ - cursor_)) {
       void* block = cursor_;
       cursor_ += bytes;
@@ -124,7 +124,7 @@ inline std::uint64_t mixHash(std::uint64_t a, std::uint64_t b) noexcept {
   // 64 x 64 -> 128-bit multiply folded back to 64 bits: one instruction on
   // 64-bit targets and a strong mixer.
 #if defined(__SIZEOF_INT128__)
-  __extension__ typedef unsigned __int128 Wide;
+  __extension__ using Wide = unsigned __int128;
   const Wide product = static_cast<Wide>(a) * b;
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 #else
@@ -136,7 +136,8 @@ inline std::uint64_t mixHash(std::uint64_t a, std::uint64_t b) noexcept {
 /// Hash of a key. Reads only the key's own bytes. Both factors of every
 /// multiply carry the secret seed, so that no key can be chosen to zero one
 /// of them and collide with its neighbours whatever the seed.
-inline std::uint64_t hashKey(const char* key, std::size_t size, std::uint64_t seed) noexcept {
+[[nodiscard]] inline std::uint64_t hashKey(const char* key, std::size_t size,
+                                           std::uint64_t seed) noexcept {
   constexpr std::uint64_t kOdd1 = 0xA0761D6478BD642FULL;
   constexpr std::uint64_t kOdd2 = 0xE7037ED1A0B428DBULL;
   std::uint64_t h = seed ^ (size * kOdd1);
@@ -175,24 +176,25 @@ inline const KeySlot* keySlotsOf(const JsonNode& object) noexcept {
 }
 
 /// The value stored under `key` in `object`, or null when there is none.
-inline const JsonNode* findMember(const JsonDocument& document, const JsonNode& object,
-                                  std::string_view key) noexcept {
+[[nodiscard]] inline const JsonNode* findMember(const JsonDocument& document,
+                                                const JsonNode& object,
+                                                std::string_view key) noexcept {
   const JsonNode* members = object.payload.children;
   if (object.indexBits == 0) {
     for (std::uint32_t i = 0; i < object.size; ++i) {
-      if (keyEquals(members[2 * i], key)) return &members[2 * i + 1];
+      if (keyEquals(members[2 * std::size_t{i}], key)) return &members[2 * std::size_t{i} + 1];
     }
     return nullptr;
   }
   const std::uint64_t hash = hashKey(key.data(), key.size(), document.hashSeed);
-  const std::uint32_t tag = static_cast<std::uint32_t>(hash >> 32);
+  const auto tag = static_cast<std::uint32_t>(hash >> 32);
   const std::size_t mask = (std::size_t{1} << object.indexBits) - 1;
   const KeySlot* slots = keySlotsOf(object);
   for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
     const KeySlot entry = slots[slot];
     if (entry.member == 0) return nullptr;
     if (entry.tag == tag) {
-      const JsonNode* keyNode = &members[2 * (entry.member - 1)];
+      const JsonNode* keyNode = &members[2 * (std::size_t{entry.member} - 1)];
       if (keyEquals(*keyNode, key)) return keyNode + 1;
     }
   }
@@ -201,7 +203,7 @@ inline const JsonNode* findMember(const JsonDocument& document, const JsonNode& 
 // Exact number conversions: a number converts only when the target type
 // holds exactly the same value.
 
-inline std::optional<std::int64_t> exactInt64(const JsonNode& node) noexcept {
+[[nodiscard]] inline std::optional<std::int64_t> exactInt64(const JsonNode& node) noexcept {
   switch (node.type) {
     case NodeType::Int64: return node.payload.i;
     case NodeType::Double: {
@@ -216,7 +218,7 @@ inline std::optional<std::int64_t> exactInt64(const JsonNode& node) noexcept {
   }
 }
 
-inline std::optional<std::uint64_t> exactUInt64(const JsonNode& node) noexcept {
+[[nodiscard]] inline std::optional<std::uint64_t> exactUInt64(const JsonNode& node) noexcept {
   switch (node.type) {
     case NodeType::Int64:
       if (node.payload.i >= 0) return static_cast<std::uint64_t>(node.payload.i);
@@ -233,7 +235,7 @@ inline std::optional<std::uint64_t> exactUInt64(const JsonNode& node) noexcept {
   }
 }
 
-inline std::optional<double> exactDouble(const JsonNode& node) noexcept {
+[[nodiscard]] inline std::optional<double> exactDouble(const JsonNode& node) noexcept {
   switch (node.type) {
     case NodeType::Double: return node.payload.d;
     case NodeType::Int64: {
@@ -251,7 +253,7 @@ inline std::optional<double> exactDouble(const JsonNode& node) noexcept {
   }
 }
 
-inline std::optional<bool> exactBool(const JsonNode& node) noexcept {
+[[nodiscard]] inline std::optional<bool> exactBool(const JsonNode& node) noexcept {
   if (node.type == NodeType::True) return true;
   if (node.type == NodeType::False) return false;
   return std::nullopt;

@@ -40,7 +40,6 @@ DetectedEncoding detectEncoding(std::string_view bytes) {
   return {Encoding::Utf8, 0};
 }
 
-
 struct Conversion {
   std::size_t written;
   bool ok;

@@ -52,11 +52,12 @@ struct JsonInput {
 /// Detects the encoding of `bytes` (UTF-8 with optional byte-order mark, or
 /// UTF-16 / UTF-32 of either byte order, found by byte-order mark or by the
 /// zero bytes among the first four) and returns the text as padded UTF-8.
-JsonInput decodeJsonInput(std::string_view bytes);
+[[nodiscard]] JsonInput decodeJsonInput(std::string_view bytes);
 
 /// The one-line description of an error found at `offset` of the UTF-8
 /// form of `bytes`, with the line and column there.
-std::string describeJsonError(std::string_view bytes, JsonErrorKind kind, std::size_t offset);
+[[nodiscard]] std::string describeJsonError(std::string_view bytes, JsonErrorKind kind,
+                                            std::size_t offset);
 
 }  // namespace tavuro::platform
 

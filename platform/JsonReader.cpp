@@ -260,7 +260,7 @@ class NodeStack {
     return data_ + size_++;
   }
   JsonNode* data() noexcept { return data_; }
-  std::size_t size() const noexcept { return size_; }
+  [[nodiscard]] std::size_t size() const noexcept { return size_; }
   void truncate(std::size_t size) noexcept { size_ = size; }
 
  private:
@@ -292,8 +292,10 @@ class Reader {
       : p_(text), begin_(text), end_(text + size), document_(document) {}
 
   bool parse();
-  JsonErrorKind errorKind() const noexcept { return error_; }
-  std::size_t errorOffset() const noexcept { return static_cast<std::size_t>(errorAt_ - begin_); }
+  [[nodiscard]] JsonErrorKind errorKind() const noexcept { return error_; }
+  [[nodiscard]] std::size_t errorOffset() const noexcept {
+    return static_cast<std::size_t>(errorAt_ - begin_);
+  }
 
  private:
   bool fail(JsonErrorKind kind, const char* at) noexcept {
@@ -598,7 +600,7 @@ bool Reader::readNumber() {
   } else {
     return fail(JsonErrorKind::InvalidNumber, start);
   }
-  std::size_t digitCount = static_cast<std::size_t>(s - digitsStart);
+  auto digitCount = static_cast<std::size_t>(s - digitsStart);
 
   if (*s != '.' && *s != 'e' && *s != 'E') {
     if (isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);  // leading zero
@@ -643,7 +645,7 @@ bool Reader::readNumber() {
   // the digit count is only an upper bound on the significant digits.
   if (kExactFastPath && digitCount <= 19 && mantissa <= (std::uint64_t{1} << 53) &&
       exponent >= -22 && exponent <= 22) {
-    double value = static_cast<double>(mantissa);
+    auto value = static_cast<double>(mantissa);
     value =
         exponent < 0 ? value / kExactPowersOfTen[-exponent] : value * kExactPowersOfTen[exponent];
     push(NodeType::Double)->payload.d = negative ? -value : value;
@@ -721,21 +723,22 @@ std::uint32_t Reader::indexKeys(JsonNode* members, std::uint32_t count, KeySlot*
   const std::size_t mask = (std::size_t{1} << bits) - 1;
   std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const JsonNode& key = members[2 * i];
+    const JsonNode& key = members[2 * std::size_t{i}];
     const std::uint64_t hash = hashKey(key.payload.chars, key.size, document_.hashSeed);
     const auto tag = static_cast<std::uint32_t>(hash >> 32);
     std::size_t slot = hash & mask;
     bool duplicate = false;
     for (; slots[slot].member != 0; slot = (slot + 1) & mask) {
-      if (slots[slot].tag == tag && sameKey(members[2 * (slots[slot].member - 1)], key)) {
+      if (slots[slot].tag == tag &&
+          sameKey(members[2 * (std::size_t{slots[slot].member} - 1)], key)) {
         duplicate = true;
         break;
       }
     }
     if (duplicate) continue;
     if (kept != i) {
-      members[2 * kept] = members[2 * i];
-      members[2 * kept + 1] = members[2 * i + 1];
+      members[2 * std::size_t{kept}] = members[2 * std::size_t{i}];
+      members[2 * std::size_t{kept} + 1] = members[2 * std::size_t{i} + 1];
     }
     slots[slot] = KeySlot{tag, ++kept};
   }
@@ -757,18 +760,18 @@ std::uint32_t Reader::removeLaterDuplicates(JsonNode* members, std::uint32_t cou
   std::uint64_t seen = 0;
   std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const std::uint64_t bit = featureBit(members[2 * i]);
+    const std::uint64_t bit = featureBit(members[2 * std::size_t{i}]);
     bool duplicate = false;
     if ((seen & bit) != 0) {
       for (std::uint32_t j = 0; j < kept && !duplicate; ++j) {
-        duplicate = sameKey(members[2 * j], members[2 * i]);
+        duplicate = sameKey(members[2 * std::size_t{j}], members[2 * std::size_t{i}]);
       }
       if (duplicate) continue;
     }
     seen |= bit;
     if (kept != i) {
-      members[2 * kept] = members[2 * i];
-      members[2 * kept + 1] = members[2 * i + 1];
+      members[2 * std::size_t{kept}] = members[2 * std::size_t{i}];
+      members[2 * std::size_t{kept} + 1] = members[2 * std::size_t{i} + 1];
     }
     ++kept;
   }

@@ -36,19 +36,19 @@ inline constexpr std::size_t kMaxPlistBytes = std::size_t{16} << 20;
 /// byte-order mark is skipped; another declared encoding is refused); its
 /// text is kept byte for byte, line ends and control characters included.
 /// Integers are decimal or 0x-hexadecimal, signed, from -2^63 to 2^64-1.
-std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
+[[nodiscard]] std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes);
 
 /// The XML form of a dictionary of strings, byte for byte as the phone
 /// platform writes it (declaration, DOCTYPE, tab indentation, keys in byte
 /// order, only "<", ">" and "&" escaped, "<dict/>" when empty).
-std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary);
+[[nodiscard]] std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary);
 
 /// `writeXmlPlist(dictionary)` when `readPlistStringDictionary` gives that
 /// file back as `dictionary`; nullopt when a key or value is not well-formed
 /// UTF-8 or the file would be larger than kMaxPlistBytes. Whoever saves a
 /// file that must load again writes this, never a file it cannot read.
-std::optional<std::string> writeFaithfulXmlPlist(
+[[nodiscard]] std::optional<std::string> writeFaithfulXmlPlist(
     const std::map<std::string, std::string>& dictionary);
 
 }  // namespace tavuro::platform

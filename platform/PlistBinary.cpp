@@ -72,7 +72,7 @@ class BinaryPlistReader {
   static constexpr std::uint8_t kOnPath = 0xFE;  // a container being checked
   static_assert(kPlistMaxDepth < kOnPath);
 
-  std::uint64_t readBigEndian(std::uint64_t at, std::uint64_t width) const {
+  [[nodiscard]] std::uint64_t readBigEndian(std::uint64_t at, std::uint64_t width) const {
     std::uint64_t value = 0;
     for (std::uint64_t i = 0; i < width; ++i) {
       value = (value << 8) | static_cast<unsigned char>(in_[at + i]);
@@ -82,7 +82,7 @@ class BinaryPlistReader {
 
   /// True when `count` items of `unit` bytes starting at `start` end within
   /// the object area.
-  bool fits(std::uint64_t start, std::uint64_t count, std::uint64_t unit) const {
+  [[nodiscard]] bool fits(std::uint64_t start, std::uint64_t count, std::uint64_t unit) const {
     if (start > objectsEnd_) return false;
     return count <= (objectsEnd_ - start) / unit;
   }
@@ -106,11 +106,11 @@ class BinaryPlistReader {
     return objectCount_ <= (trailer - objectsEnd_) / offsetSize_;
   }
 
-  std::uint64_t objectOffset(std::uint64_t index) const {
+  [[nodiscard]] std::uint64_t objectOffset(std::uint64_t index) const {
     return readBigEndian(objectsEnd_ + index * offsetSize_, offsetSize_);
   }
 
-  bool checkOffsetTable() const {
+  [[nodiscard]] bool checkOffsetTable() const {
     for (std::uint64_t i = 0; i < objectCount_; ++i) {
       const std::uint64_t offset = objectOffset(i);
       if (offset < kMagic.size() || offset >= objectsEnd_) return false;
@@ -120,11 +120,11 @@ class BinaryPlistReader {
 
   /// The marker of object `index` and, for kinds that have one, its length
   /// or count, which a low nibble of 0xF moves into a following integer.
-  std::optional<ObjectHeader> readHeader(std::uint64_t index) const {
+  [[nodiscard]] std::optional<ObjectHeader> readHeader(std::uint64_t index) const {
     const std::uint64_t offset = objectOffset(index);
     const auto marker = static_cast<std::uint8_t>(in_[offset]);
     ObjectHeader header{static_cast<std::uint8_t>(marker >> 4),
-                        static_cast<std::uint8_t>(marker & 0xF), marker & 0xFu, offset + 1};
+                        static_cast<std::uint8_t>(marker & 0xF), marker & 0xFU, offset + 1};
     const bool hasCount =
         header.type == kData || isStringType(header.type) || isContainerType(header.type);
     if (!hasCount || header.info != 0xF) return header;
@@ -140,7 +140,7 @@ class BinaryPlistReader {
     return header;
   }
 
-  std::optional<std::uint64_t> readReference(std::uint64_t at) const {
+  [[nodiscard]] std::optional<std::uint64_t> readReference(std::uint64_t at) const {
     const std::uint64_t ref = readBigEndian(at, refSize_);
     if (ref >= objectCount_) return std::nullopt;
     return ref;
@@ -208,23 +208,23 @@ class BinaryPlistReader {
     return maxHeight;
   }
 
-  bool checkScalar(const ObjectHeader& header) const {
+  [[nodiscard]] bool checkScalar(const ObjectHeader& header) const {
     switch (header.type) {
       case kSingleton:
         return header.info == 0x0 || header.info == 0x8 || header.info == 0x9 || header.info == 0xF;
-      case kInteger: return header.info <= 4 && fits(header.content, 1u << header.info, 1);
+      case kInteger: return header.info <= 4 && fits(header.content, 1U << header.info, 1);
       case kReal:
-        return (header.info == 2 || header.info == 3) && fits(header.content, 1u << header.info, 1);
+        return (header.info == 2 || header.info == 3) && fits(header.content, 1U << header.info, 1);
       case kDate: return header.info == 3 && fits(header.content, 8, 1);
       case kData: return fits(header.content, header.count, 1);
       case kAsciiString:
       case kUtf16String: return textLength(header).has_value();
-      case kUid: return fits(header.content, header.info + 1u, 1);
+      case kUid: return fits(header.content, header.info + 1U, 1);
       default: return false;
     }
   }
 
-  std::uint64_t utf16Unit(const ObjectHeader& header, std::uint64_t i) const {
+  [[nodiscard]] std::uint64_t utf16Unit(const ObjectHeader& header, std::uint64_t i) const {
     return readBigEndian(header.content + 2 * i, 2);
   }
 
@@ -234,7 +234,7 @@ class BinaryPlistReader {
   /// The length in UTF-8 of the text of an ASCII or UTF-16 string object;
   /// nullopt when the object overruns the object area or its text is not
   /// valid (a byte above 0x7F, an unpaired surrogate). Nothing is allocated.
-  std::optional<std::uint64_t> textLength(const ObjectHeader& header) const {
+  [[nodiscard]] std::optional<std::uint64_t> textLength(const ObjectHeader& header) const {
     if (header.type == kAsciiString) {
       if (!fits(header.content, header.count, 1)) return std::nullopt;
       const std::string_view text = in_.substr(header.content, header.count);
@@ -258,7 +258,7 @@ class BinaryPlistReader {
   }
 
   /// The text of a string object that textLength found valid, as UTF-8.
-  std::string decodeString(const ObjectHeader& header) const {
+  [[nodiscard]] std::string decodeString(const ObjectHeader& header) const {
     if (header.type == kAsciiString) return std::string(in_.substr(header.content, header.count));
     std::string text(*textLength(header), '\0');
     char* out = text.data();
@@ -273,7 +273,8 @@ class BinaryPlistReader {
   }
 
   /// The key and value of entry `i` of the (already checked) root dict.
-  std::pair<ObjectHeader, ObjectHeader> rootEntry(const ObjectHeader& root, std::uint64_t i) const {
+  [[nodiscard]] std::pair<ObjectHeader, ObjectHeader> rootEntry(const ObjectHeader& root,
+                                                                std::uint64_t i) const {
     return {*readHeader(*readReference(root.content + i * refSize_)),
             *readHeader(*readReference(root.content + (root.count + i) * refSize_))};
   }
@@ -284,7 +285,8 @@ class BinaryPlistReader {
   /// copies are sized first and refused, before any is made, when they would
   /// not fit the budget. Every key is decoded, kept or not, so its bytes are
   /// taken too.
-  std::optional<PlistStringDictionary> collectStrings(const ObjectHeader& root) const {
+  [[nodiscard]] std::optional<PlistStringDictionary> collectStrings(
+      const ObjectHeader& root) const {
     PlistResultBudget budget(in_.size());
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);

@@ -25,7 +25,7 @@ inline constexpr int kPlistMaxDepth = 128;
 /// while it reads (at most the input's size again), reading stays under
 /// eight times the input's size plus that allowance.
 inline constexpr std::uint64_t kPlistMaxResultRatio = 6;
-inline constexpr std::uint64_t kPlistResultAllowance = 256 * 1024;
+inline constexpr std::uint64_t kPlistResultAllowance = std::uint64_t{256} * 1024;
 inline constexpr std::uint64_t kPlistEntryOverhead = 160;
 
 /// The bytes a reader may still copy into its result.
@@ -54,10 +54,12 @@ class PlistResultBudget {
 /// The XML form. The bytes must be UTF-8 (a UTF-8 byte-order mark is
 /// skipped); any other encoding, whether announced by a byte-order mark or by
 /// the XML declaration, makes the list unreadable.
-std::optional<PlistStringDictionary> readXmlPlistStringDictionary(std::string_view bytes);
+[[nodiscard]] std::optional<PlistStringDictionary> readXmlPlistStringDictionary(
+    std::string_view bytes);
 
 /// The binary form, starting with the "bplist00" magic.
-std::optional<PlistStringDictionary> readBinaryPlistStringDictionary(std::string_view bytes);
+[[nodiscard]] std::optional<PlistStringDictionary> readBinaryPlistStringDictionary(
+    std::string_view bytes);
 
 }  // namespace tavuro::platform
 

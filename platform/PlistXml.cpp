@@ -7,6 +7,7 @@
 // only "<", ">" and "&") reads back to the same strings.
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -195,9 +196,11 @@ class XmlPlistReader {
   }
 
  private:
-  bool atEnd() const { return pos_ >= in_.size(); }
-  char peek() const { return in_[pos_]; }
-  bool startsWith(std::string_view s) const { return in_.substr(pos_, s.size()) == s; }
+  [[nodiscard]] bool atEnd() const { return pos_ >= in_.size(); }
+  [[nodiscard]] char peek() const { return in_[pos_]; }
+  [[nodiscard]] bool startsWith(std::string_view s) const {
+    return in_.substr(pos_, s.size()) == s;
+  }
 
   bool consume(std::string_view s) {
     if (!startsWith(s)) return false;
@@ -382,13 +385,11 @@ class XmlPlistReader {
     if (name.front() == '#') return appendCharacterReference(name.substr(1), out);
     static constexpr std::pair<std::string_view, char> kEntities[] = {
         {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};
-    for (const auto& [entity, character] : kEntities) {
-      if (name == entity) {
-        *out += character;
-        return true;
-      }
-    }
-    return false;
+    const auto* const entity = std::find_if(std::begin(kEntities), std::end(kEntities),
+                                            [&](const auto& known) { return known.first == name; });
+    if (entity == std::end(kEntities)) return false;
+    *out += entity->second;
+    return true;
   }
 
   /// "123" or "x7B" (after the "#"): a Unicode scalar value other than NUL.
@@ -490,7 +491,8 @@ class XmlPlistReader {
       if (keyTag->name != "key" || !readLeafText(*keyTag, &key)) return false;
       std::optional<Tag> valueTag = readChildTag();
       std::optional<std::string> value;
-      if (!valueTag || !readValue(*valueTag, depth + 1, entries ? &value : nullptr)) return false;
+      std::optional<std::string>* const wanted = entries != nullptr ? &value : nullptr;
+      if (!valueTag || !readValue(*valueTag, depth + 1, wanted)) return false;
       if (entries == nullptr) continue;
       if (value) {
         if (!budget_.takeEntry(key.capacity(), value->capacity())) return false;

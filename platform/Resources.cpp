@@ -25,7 +25,7 @@ std::string directoryOf(const std::string& path) {
 std::string executablePath() {
   // The link's target length is unknown in advance; grow the buffer until
   // it fits, within a bound no real path reaches.
-  for (std::size_t size = 256; size <= (1u << 16); size *= 2) {
+  for (std::size_t size = 256; size <= (1U << 16); size *= 2) {
     std::vector<char> buffer(size);
     const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
     if (length < 0) return {};
@@ -44,7 +44,9 @@ std::string executablePath() {
   return std::string(buffer.data());
 }
 #else
-std::string executablePath() { return {}; }
+std::string executablePath() {
+  return {};
+}
 #endif
 
 bool isRegularFile(const std::string& path) {
@@ -54,7 +56,9 @@ bool isRegularFile(const std::string& path) {
 
 }  // namespace
 
-std::string executableDirectory() { return directoryOf(executablePath()); }
+std::string executableDirectory() {
+  return directoryOf(executablePath());
+}
 
 std::optional<std::string> pathForResource(std::string directory, std::string_view name,
                                            std::string_view type) {

@@ -11,13 +11,14 @@ namespace tavuro::platform {
 
 /// The directory of the running executable (Linux: /proc/self/exe, macOS:
 /// the loader's executable path); empty where it cannot be determined.
-std::string executableDirectory();
+[[nodiscard]] std::string executableDirectory();
 
 /// "<directory>/<name>.<type>" when that is a regular file (or a link to
 /// one); nullopt when it is missing, is anything else, or `directory` is
 /// empty.
-std::optional<std::string> pathForResource(std::string directory, std::string_view name,
-                                           std::string_view type);
+[[nodiscard]] std::optional<std::string> pathForResource(std::string directory,
+                                                         std::string_view name,
+                                                         std::string_view type);
 
 }  // namespace tavuro::platform
 

@@ -41,7 +41,7 @@ inline void appendUtf8(std::string& out, std::uint32_t codePoint) {
 /// 0x80 or above, or 0. Rejects overlong forms, encoded surrogates, code
 /// points above U+10FFFF and sequences cut off by `available` (the bytes
 /// readable at `text`).
-inline unsigned utf8SequenceLength(const char* text, std::size_t available) noexcept {
+[[nodiscard]] inline unsigned utf8SequenceLength(const char* text, std::size_t available) noexcept {
   const auto* s = reinterpret_cast<const unsigned char*>(text);
   const unsigned lead = s[0];
   const auto isContinuation = [](unsigned c) { return (c & 0xC0U) == 0x80U; };
@@ -64,7 +64,7 @@ inline unsigned utf8SequenceLength(const char* text, std::size_t available) noex
 }
 
 /// True when `bytes` is well-formed UTF-8 throughout.
-inline bool isValidUtf8(std::string_view bytes) noexcept {
+[[nodiscard]] inline bool isValidUtf8(std::string_view bytes) noexcept {
   std::size_t i = 0;
   while (i < bytes.size()) {
     if (static_cast<unsigned char>(bytes[i]) < 0x80) {

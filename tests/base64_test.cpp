@@ -33,8 +33,8 @@ TEST(Base64, DecodesLeniently) {
       {"AAAAA", std::nullopt},
       {"A===", std::nullopt},
       {"AA==AAAA", std::string(1, '\0')},  // nothing after the first "=" counts
-      {"Zh==", "f"},  // leftover bits of the last character are ignored
-      {"Z m\n9\tv!\xc3\xa9-_", "foo"},  // base64url's "-" and "_" are skipped too
+      {"Zh==", "f"},                       // leftover bits of the last character are ignored
+      {"Z m\n9\tv!\xc3\xa9-_", "foo"},     // base64url's "-" and "_" are skipped too
       {"+/+/", "\xfb\xff\xbf"},
   };
   for (const auto& c : cases) {

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "TavuroCommon/TavuroCommon.h"
-#include "credential_test_support.h"
 #include "common/CredentialStore.h"
+#include "credential_test_support.h"
 #include "platform/FileSystem.h"
 
 namespace {
@@ -28,7 +28,7 @@ long failHalfWay(int fd, const void* bytes, std::size_t count) {
   errno = ENOSPC;
   return -1;
 }
-long makeNoProgress(int, const void*, std::size_t) { return 0; }
+const auto makeNoProgress = [](int, const void*, std::size_t) -> long { return 0; };
 // Interrupted every other call, and writes one byte at a time otherwise.
 long interruptAndTrickle(int fd, const void* bytes, std::size_t) {
   if (g_calls++ % 2 == 0) {
@@ -56,7 +56,8 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
       dir.write("target", "old content");
     }
     g_calls = 0;
-    EXPECT_FALSE(writeFileAtomically(dir.file("target"), std::string(100000, 'x'), writingWith(write)));
+    EXPECT_FALSE(
+        writeFileAtomically(dir.file("target"), std::string(100000, 'x'), writingWith(write)));
     EXPECT_EQ(dir.entries(), std::set<std::string>{"target"});
     const std::optional<std::string> old = write ? "old content" : std::optional<std::string>();
     EXPECT_EQ(readWholeFile(dir.file("target")), old);  // a directory reads as nothing
@@ -127,7 +128,8 @@ TEST(AtomicWrite, ACrashAtAnyStepLeavesNoCopyOnceTheNextWriteIsDone) {
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         ASSERT_TRUE(WIFSIGNALED(status));
       }
-      EXPECT_EQ(readWholeFile(dir.file("target")), crash == AtomicWriteStep::kReplaced ? secret : "old");
+      EXPECT_EQ(readWholeFile(dir.file("target")),
+                crash == AtomicWriteStep::kReplaced ? secret : "old");
       std::set<std::string> left = dir.entries();
       left.erase("target");
       left.erase("other");
@@ -144,7 +146,7 @@ TEST(AtomicWrite, ACrashAtAnyStepLeavesNoCopyOnceTheNextWriteIsDone) {
       if (unnamed) {
         ASSERT_TRUE(writeFileAtomically(dir.file("target"), "new"));
       } else {
-        tavuro::detail::loadCredentialFile(dir.file("target"));
+        (void)tavuro::detail::loadCredentialFile(dir.file("target"));
       }
       EXPECT_EQ(dir.entries(), (std::set<std::string>{"other", "target"}));
     }
@@ -164,7 +166,7 @@ TEST(ReadWholeFile, RefusesWhatIsNotAFileOrTooLarge) {
 
 TEST(CredentialStore, FailedSaveKeepsTheNewValueInMemoryOnly) {
   TempDir dir;
-  const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
+  const auto original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
   dir.write("TavuroConfig.plist", original);
   auto environment = tavuro::test::storeEnvironment(dir);
   environment.writeFile = [](const std::string& path, std::string_view bytes) {
@@ -182,16 +184,16 @@ TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
   TempDir dir;
   dir.write("TavuroConfig.plist", tavuro::test::plistXml({}));
   tavuro::detail::CredentialStore store(tavuro::test::storeEnvironment(dir));
+  const std::string nul("nul\0inside", 10), big(1 << 20, 'p'), tooBig((16 << 20) + 1, 'p');
   const std::string faithful[] = {
-      "", "a\r\nb\r", "<&>]]>&amp;", std::string("nul\0inside", 10), "\x01\x7F\t",
-      "\xC3\xA9\xF0\x9F\x98\x80", std::string(1 << 20, 'p')};
+      "", "a\r\nb\r", "<&>]]>&amp;", nul, "\x01\x7F\t", "\xC3\xA9\xF0\x9F\x98\x80", big};
   for (const std::string& text : faithful) {
     store.setPassword(text);
     EXPECT_EQ(tavuro::detail::loadCredentialFile(dir.config()).password, text);
   }
   const std::string lastSaved = *readWholeFile(dir.config());
-  const std::string unfaithful[] = {"pw-\xFF", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
-                                    "cut\xE2\x82", std::string((16 << 20) + 1, 'p')};
+  const std::string unfaithful[] = {"pw-\xFF",          "\xC0\xAF",    "\xED\xA0\x80",
+                                    "\xF4\x90\x80\x80", "cut\xE2\x82", tooBig};
   for (const std::string& text : unfaithful) {
     store.setPassword(text);
     EXPECT_EQ(store.password(), text);
@@ -219,7 +221,7 @@ bool runWithoutPrivileges(Body body) {
 
 TEST(CredentialStore, ReadOnlyDirectoryKeepsTheFileAndTheNewValueInMemory) {
   TempDir dir;
-  const std::string original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
+  const auto original = tavuro::test::plistXml({{"tavuro_username", "<string>old</string>"}});
   dir.write("TavuroConfig.plist", original);
   ::chmod(dir.config().c_str(), 0644);
   ::chmod(dir.path().c_str(), 0555);

@@ -33,10 +33,9 @@ void print(const char* name, const Text& text) {
 
 bool setField(const std::string& field, const Text& value) {
   if (field == "username") tavuro::Credential::setUsername(value);
-  else if (field == "password") tavuro::Credential::setPassword(value);
-  else if (field == "subscription") tavuro::Credential::setSubscription(value);
-  else return false;
-  return true;
+  if (field == "password") tavuro::Credential::setPassword(value);
+  if (field == "subscription") tavuro::Credential::setSubscription(value);
+  return field == "username" || field == "password" || field == "subscription";
 }
 
 }  // namespace

@@ -15,18 +15,22 @@ namespace {
 
 using tavuro::Credential;
 using tavuro::detail::CredentialStore;
-using tavuro::test::storeEnvironment;
 using tavuro::test::plistXml;
+using tavuro::test::storeEnvironment;
 using tavuro::test::TempDir;
 using Dict = std::map<std::string, std::string>;
 using Text = std::optional<std::string>;
 
 const Dict kFullFile{
-    {"tavuro_username", "<string>user</string>"}, {"tavuro_password", "<string>pass</string>"},
-    {"tavuro_subscription", "<string>sub</string>"}, {"frm_endpoint", "<string>frm</string>"},
-    {"ferisant_endpoint", "<string>id</string>"},    {"med_endpoint", "<string>med</string>"},
+    {"tavuro_username", "<string>user</string>"},
+    {"tavuro_password", "<string>pass</string>"},
+    {"tavuro_subscription", "<string>sub</string>"},
+    {"frm_endpoint", "<string>frm</string>"},
+    {"ferisant_endpoint", "<string>id</string>"},
+    {"med_endpoint", "<string>med</string>"},
     {"passive_liveness_endpoint", "<string>live</string>"},
-    {"kelmo_endpoint", "<string>kelmo</string>"},    {"unknown_key", "<string>x</string>"},
+    {"kelmo_endpoint", "<string>kelmo</string>"},
+    {"unknown_key", "<string>x</string>"},
 };
 
 std::optional<Dict> readBack(const std::string& path) {
@@ -40,16 +44,16 @@ std::string tokenExpiringAt(long long seconds) {
 }
 
 TEST(CredentialFile, LoadingTakesOnlyTextValues) {
+  const std::string wrongKinds = plistXml({{"tavuro_username", "<integer>7</integer>"},
+                                           {"tavuro_password", "<string/>"},
+                                           {"kelmo_endpoint", "<integer>1</integer>"}});
   const struct {
     std::string bytes;
     bool read;
     Text username, password, kelmo;
   } cases[] = {
       {"<plist><dict><key>tavuro_username</key><string>u</string>", false, {}, {}, {}},
-      {plistXml({{"tavuro_username", "<integer>7</integer>"},
-                 {"tavuro_password", "<string/>"},
-                 {"kelmo_endpoint", "<integer>1</integer>"}}),
-       true, {}, "", TAVURO_KELMO_DEFAULT_ENDPOINT},
+      {wrongKinds, true, {}, "", TAVURO_KELMO_DEFAULT_ENDPOINT},
       {plistXml({{"kelmo_endpoint", "<string></string>"}}), true, {}, {}, ""},
   };
   for (const auto& c : cases) {
@@ -85,8 +89,10 @@ TEST(CredentialStore, EverySaveWritesOnlyTheSavedKeys) {
   EXPECT_EQ(endpoints->kelmoEndpoint(), "kelmo");
   EXPECT_EQ(store.subscription(), "sub");
 
-  Dict expected{{"tavuro_password", "pass"}, {"tavuro_subscription", "sub"},
-                {"frm_endpoint", "frm"}, {"ferisant_endpoint", "id"}, {"med_endpoint", "med"}};
+  Dict expected{
+      {"tavuro_password", "pass"}, {"tavuro_subscription", "sub"}, {"frm_endpoint", "frm"},
+      {"ferisant_endpoint", "id"}, {"med_endpoint", "med"},
+  };
   store.setUsername(std::nullopt);
   EXPECT_EQ(readBack(dir.config()), expected);
 
@@ -103,7 +109,8 @@ TEST(CredentialStore, EverySaveWritesOnlyTheSavedKeys) {
   const auto empty = tavuro::Endpoints::newInstance();
   store.setEndpoints(empty);
   EXPECT_EQ(store.endpoints(), empty);
-  EXPECT_EQ(readBack(dir.config()), (Dict{{"tavuro_password", ""}, {"tavuro_subscription", "sub"}}));
+  EXPECT_EQ(readBack(dir.config()),
+            (Dict{{"tavuro_password", ""}, {"tavuro_subscription", "sub"}}));
   EXPECT_EQ(endpoints->passiveLivenessEndpoint(), "live");  // memory keeps what the file lost
   EXPECT_EQ(dir.entries(), std::set<std::string>{"TavuroConfig.plist"});
 }
@@ -118,7 +125,7 @@ TEST(CredentialStore, TokenSlotChangesOnlyOnSuccessOrRemoval) {
 
   const std::string first = tokenExpiringAt(2000);
   EXPECT_TRUE(store.setToken(first));
-  for (const std::string& rejected : {tokenExpiringAt(1000), std::string("a.b.c"), std::string(".")}) {
+  for (const auto& rejected : {tokenExpiringAt(1000), std::string("a.b.c"), std::string(".")}) {
     EXPECT_FALSE(store.setToken(rejected)) << rejected;
   }
   now = 5000.0;  // the stored token has expired but stays in use
@@ -139,9 +146,12 @@ TEST(CredentialStore, BasicHeaderNeedsUserNameAndPassword) {
   const struct {
     Text username, password, header;
   } cases[] = {
-      {"user", "pass", "Basic dXNlcjpwYXNz"}, {"", "", "Basic Og=="},
-      {"a:b", "\xc3\xbc", "Basic YTpiOsO8"},  {"user", {}, {}},
-      {{}, "pass", {}},                       {{}, {}, {}},
+      {"user", "pass", "Basic dXNlcjpwYXNz"},
+      {"", "", "Basic Og=="},
+      {"a:b", "\xc3\xbc", "Basic YTpiOsO8"},
+      {"user", {}, {}},
+      {{}, "pass", {}},
+      {{}, {}, {}},
   };
   TempDir dir;
   CredentialStore store(storeEnvironment(dir));
@@ -160,8 +170,8 @@ TEST(CredentialStore, ValidityNeedsThreeFilledCredentialsOrAnyToken) {
     Text username, password, subscription;
     bool token, valid;
   } cases[] = {
-      {"u", "p", "s", false, true},  {"u", "p", {}, false, false}, {"u", "", "s", false, false},
-      {{}, {}, {}, true, true},      {"u", "p", "", true, true},
+      {"u", "p", "s", false, true}, {"u", "p", {}, false, false}, {"u", "", "s", false, false},
+      {{}, {}, {}, true, true},     {"u", "p", "", true, true},
   };
   for (const auto& c : cases) {
     CredentialStore store(storeEnvironment(dir, &now));

@@ -45,7 +45,7 @@ TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
 }
 
 TEST(UtilsDeathTest, DateFieldToDateStringStopsOnAnAbsentArgument) {
-  EXPECT_DEATH(Utils::dateFieldToDateString(std::nullopt), "dateFieldToDateString");
+  EXPECT_DEATH((void)Utils::dateFieldToDateString(std::nullopt), "dateFieldToDateString");
 }
 
 TEST(DateFormat, FollowsTheCalendarEdges) {
@@ -55,7 +55,7 @@ TEST(DateFormat, FollowsTheCalendarEdges) {
       {kGregorianStart, "10-15-1582"},
       {kGregorianStart - 1, "10-04-1582"},
       {kJulianYearOne, "01-01-0001"},
-      {kJulianYearOne - 1, "12-31-0001"},             // 1 BC, shown as year 1
+      {kJulianYearOne - 1, "12-31-0001"},            // 1 BC, shown as year 1
       {kJulianYearOne - 367 * 86400, "12-31-0002"},  // 1 BC is a leap year
       {951782400, "02-29-2000"},
       {4107542400, "03-01-2100"},  // 2100 is no Gregorian leap year

@@ -12,9 +12,8 @@ using tavuro::DocumentProcessingMode;
 using tavuro::ProcessingMode;
 
 TEST(ProcessingMode, RawValuesOutsideTheEnumerationGiveNothing) {
-  for (std::int64_t raw : {INT64_MIN, std::int64_t{-1}, std::int64_t{0},
-                           std::int64_t{1}, std::int64_t{2}, std::int64_t{3},
-                           INT64_MAX}) {
+  for (std::int64_t raw : {INT64_MIN, std::int64_t{-1}, std::int64_t{0}, std::int64_t{1},
+                           std::int64_t{2}, std::int64_t{3}, INT64_MAX}) {
     const auto mode = tavuro::processingModeWithRawValue(raw);
     EXPECT_EQ(mode.has_value(), raw >= 0 && raw <= 2) << raw;
     if (mode) {

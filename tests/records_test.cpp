@@ -107,8 +107,7 @@ TEST(Picture, AcceptsOnlyMatchingPixelBytes) {
       {0xFFFFFFFF, 0xFFFFFFFF, PixelFormat::RGBA8, 4, false},  // size overflows 32 bits
   };
   for (const Case& c : cases) {
-    auto picture =
-        Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
+    auto picture = Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
     EXPECT_EQ(picture != nullptr, c.accepted) << c.width << "x" << c.height;
     if (picture) {
       EXPECT_EQ(picture->bytesPerRow() * picture->height(), c.bytes);

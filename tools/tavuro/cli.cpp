@@ -162,7 +162,7 @@ std::string formatLocal(std::int64_t seconds) {
 
 std::string formatDuration(std::int64_t seconds) {
   // The magnitude as unsigned, so that the most negative value has one too.
-  std::uint64_t left = static_cast<std::uint64_t>(seconds);
+  auto left = static_cast<std::uint64_t>(seconds);
   if (seconds < 0) left = 0 - left;
   const std::uint64_t units[] = {86400, 3600, 60, 1};
   const char* names[] = {"d", "h", "m", "s"};

@@ -30,8 +30,8 @@ class UsageError : public std::runtime_error {
 struct Arguments {
   std::vector<std::string> positional;
   std::map<std::string, std::string> options;
-  bool has(const std::string& flag) const { return options.count(flag) != 0; }
-  std::optional<std::string> option(const std::string& name) const;
+  [[nodiscard]] bool has(const std::string& flag) const { return options.count(flag) != 0; }
+  [[nodiscard]] std::optional<std::string> option(const std::string& name) const;
 };
 
 /// What a command accepts: its flags and its options that take a value.
@@ -45,7 +45,7 @@ struct Syntax {
 /// Splits `words` by `syntax`; throws UsageError on an unknown option, a
 /// missing value or a wrong number of positional arguments. "--help" is
 /// always accepted (and then the positional count is not checked).
-Arguments parseArguments(const std::vector<std::string>& words, const Syntax& syntax);
+[[nodiscard]] Arguments parseArguments(const std::vector<std::string>& words, const Syntax& syntax);
 
 /// Prints a command's help text on standard output; returns kOk.
 int showHelp(const char* text);
@@ -55,31 +55,31 @@ int showHelp(const char* text);
 void applyResourceOption(const Arguments& arguments);
 
 /// `text` as a JSON string literal.
-std::string jsonQuote(std::string_view text);
-inline std::string jsonQuote(const std::string& text) {
+[[nodiscard]] std::string jsonQuote(std::string_view text);
+[[nodiscard]] inline std::string jsonQuote(const std::string& text) {
   return jsonQuote(std::string_view(text));
 }
-inline std::string jsonQuote(const char* text) {
+[[nodiscard]] inline std::string jsonQuote(const char* text) {
   return jsonQuote(std::string_view(text));
 }
 /// An optional text as a JSON string literal or null.
-std::string jsonQuote(const std::optional<std::string>& text);
+[[nodiscard]] std::string jsonQuote(const std::optional<std::string>& text);
 /// The shortest text that reads back as the same double.
-std::string formatDouble(double number);
+[[nodiscard]] std::string formatDouble(double number);
 /// A decoded JSON value written back as compact JSON text.
-std::string toJsonText(const JsonValue& value);
-std::string toJsonText(const JsonDictionary& dictionary);
-std::string toJsonText(const JsonArray& array);
+[[nodiscard]] std::string toJsonText(const JsonValue& value);
+[[nodiscard]] std::string toJsonText(const JsonDictionary& dictionary);
+[[nodiscard]] std::string toJsonText(const JsonArray& array);
 
 /// Seconds since 1970 as "2023-11-14T22:13:20Z" and as local time with the
 /// zone's abbreviation; empty when the calendar cannot show the instant.
-std::string formatUtc(std::int64_t seconds);
-std::string formatLocal(std::int64_t seconds);
+[[nodiscard]] std::string formatUtc(std::int64_t seconds);
+[[nodiscard]] std::string formatLocal(std::int64_t seconds);
 /// A span of seconds as "1d 2h 3m 4s" (largest unit first, zero units left out).
-std::string formatDuration(std::int64_t seconds);
+[[nodiscard]] std::string formatDuration(std::int64_t seconds);
 
 /// The whole file, or nullopt when it cannot be read.
-std::optional<std::string> readFile(const std::string& path);
+[[nodiscard]] std::optional<std::string> readFile(const std::string& path);
 
 // The commands. Each returns its exit status; `words` excludes the command
 // name (and, for "config", the subcommand name).

@@ -136,10 +136,11 @@ std::set<std::string> xmlRootKeys(std::string_view xml) {
     std::string_view name = xml.substr(at + (ending ? 2 : 1), close - at - (ending ? 2 : 1));
     name = name.substr(0, name.find_first_of(" \t\r\n/"));
     if (name == "dict" || name == "array") {
-      if (ending)
+      if (ending) {
         --depth;
-      else if (!empty)
+      } else if (!empty) {
         ++depth;
+      }
     } else if (name == "key" && !ending && empty && depth == 1) {
       keys.insert("");
     } else if (name == "key" && !ending && depth == 1) {
@@ -180,7 +181,7 @@ struct Finding {
 void checkEntry(const std::string& key, bool isText, std::vector<Finding>& findings) {
   const KnownKey* known = findKnownKey(key);
   const bool kelmo = key == "kelmo_endpoint";
-  if (!known) {
+  if (known == nullptr) {
     findings.push_back({key, true, "unknown key: ignored when read, lost at the first save"});
   } else if (!isText) {
     findings.push_back({key, true,
@@ -418,7 +419,7 @@ int runSet(const std::vector<std::string>& words, bool unset) {
   if (arguments.has("--help")) return showHelp(kSetHelp);
   const std::string& key = arguments.positional[0];
   const KnownKey* known = findKnownKey(key);
-  if (!known) throw UsageError("unknown key '" + key + "'");
+  if (known == nullptr) throw UsageError("unknown key '" + key + "'");
   if (!known->saved) {
     throw std::runtime_error(key +
                              " is never written by the store; edit the file itself "

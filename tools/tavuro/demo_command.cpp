@@ -57,7 +57,7 @@ class ScratchResources {
   }
   ScratchResources(const ScratchResources&) = delete;
   ScratchResources& operator=(const ScratchResources&) = delete;
-  const std::string& directory() const { return directory_; }
+  [[nodiscard]] const std::string& directory() const { return directory_; }
 
  private:
   std::string directory_;

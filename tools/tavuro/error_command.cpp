@@ -18,8 +18,8 @@ bool matches(const TavuroErrorInfo& entry, const std::string& query) {
 }
 
 std::string entryJson(const TavuroErrorInfo& entry) {
-  const std::string code = entry.codeName ? std::to_string(entry.code) : "null";
-  const std::string name = entry.codeName ? jsonQuote(entry.codeName) : "null";
+  const std::string code = entry.codeName != nullptr ? std::to_string(entry.code) : "null";
+  const std::string name = entry.codeName != nullptr ? jsonQuote(entry.codeName) : "null";
   return "{\"code\":" + code + ",\"name\":" + name +
          ",\"descriptionName\":" + jsonQuote(entry.descriptionName) +
          ",\"description\":" + jsonQuote(entry.description) + "}";

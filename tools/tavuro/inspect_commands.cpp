@@ -1,7 +1,9 @@
 // `tavuro jwt`, `header`, `date` and `json`: what the library makes of one
 // token, the current credentials, one date field or one JSON answer.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -90,7 +92,7 @@ void printTokenJson(const TokenReport& report) {
            ",\"valid\":" + (report.token->isValid() ? "true" : "false") +
            ",\"secondsLeft\":" + std::to_string(secondsLeft(report.expiry));
   } else {
-    out += ",\"exp\":null,\"valid\":false";
+    out += R"(,"exp":null,"valid":false)";
   }
   std::printf("%s}\n", out.c_str());
 }
@@ -118,10 +120,8 @@ const char kJsonHelp[] =
 const char* const kKinds[] = {"int", "double", "string", "bool", "object", "array"};
 
 bool isKind(const std::string& kind) {
-  for (const char* known : kKinds) {
-    if (kind == known) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kKinds), std::end(kKinds),
+                     [&](const char* known) { return kind == known; });
 }
 
 // The value under `key` through the typed getter of `kind`, as text; nothing
@@ -190,8 +190,9 @@ int runJson(const std::vector<std::string>& words) {
   const std::string& path = arguments.positional[0];
   const std::string& key = arguments.positional[1];
   const std::optional<std::string> kind = arguments.option("--as");
-  if (kind && !isKind(*kind))
+  if (kind && !isKind(*kind)) {
     throw UsageError("--as takes int, double, string, bool, object or array");
+  }
   const std::optional<std::string> text = readFile(path);
   if (!text) throw std::runtime_error("cannot read " + path);
   // On a parse error the library itself prints the reader's message.

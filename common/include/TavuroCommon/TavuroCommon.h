@@ -43,8 +43,7 @@ inline constexpr char kVersion[] = "11.4.10";
 
 /// An absolute point in time: double-precision seconds since
 /// 1970-01-01T00:00:00 UTC, compared with the system clock.
-using Instant = std::chrono::time_point<std::chrono::system_clock,
-                                        std::chrono::duration<double>>;
+using Instant = std::chrono::time_point<std::chrono::system_clock, std::chrono::duration<double>>;
 
 // ===========================================================================
 // Value types carried by records
@@ -55,10 +54,10 @@ struct Point {
   double x = 0.0;
   double y = 0.0;
 
-  friend bool operator==(const Point& a, const Point& b) noexcept {
+  [[nodiscard]] friend bool operator==(const Point& a, const Point& b) noexcept {
     return a.x == b.x && a.y == b.y;
   }
-  friend bool operator!=(const Point& a, const Point& b) noexcept {
+  [[nodiscard]] friend bool operator!=(const Point& a, const Point& b) noexcept {
     return !(a == b);
   }
 };
@@ -78,13 +77,13 @@ class TAVURO_EXPORT ByteBuffer {
   explicit ByteBuffer(std::vector<std::uint8_t> bytes) noexcept;
 
   /// A new, empty shared buffer.
-  static std::shared_ptr<ByteBuffer> newInstance();
+  [[nodiscard]] static std::shared_ptr<ByteBuffer> newInstance();
 
-  std::size_t size() const noexcept { return bytes_.size(); }
-  bool empty() const noexcept { return bytes_.empty(); }
+  [[nodiscard]] std::size_t size() const noexcept { return bytes_.size(); }
+  [[nodiscard]] bool empty() const noexcept { return bytes_.empty(); }
   /// The first byte; valid until the buffer is next resized.
-  std::uint8_t* data() noexcept { return bytes_.data(); }
-  const std::uint8_t* data() const noexcept { return bytes_.data(); }
+  [[nodiscard]] std::uint8_t* data() noexcept { return bytes_.data(); }
+  [[nodiscard]] const std::uint8_t* data() const noexcept { return bytes_.data(); }
 
   /// Appends `size` bytes from `bytes`.
   void append(const void* bytes, std::size_t size);
@@ -94,8 +93,8 @@ class TAVURO_EXPORT ByteBuffer {
   void clear() noexcept { bytes_.clear(); }
 
   /// The bytes themselves, for code that wants the whole vector.
-  std::vector<std::uint8_t>& bytes() noexcept { return bytes_; }
-  const std::vector<std::uint8_t>& bytes() const noexcept { return bytes_; }
+  [[nodiscard]] std::vector<std::uint8_t>& bytes() noexcept { return bytes_; }
+  [[nodiscard]] const std::vector<std::uint8_t>& bytes() const noexcept { return bytes_; }
 
  private:
   std::vector<std::uint8_t> bytes_;
@@ -110,7 +109,7 @@ enum class PixelFormat : std::uint8_t {
 };
 
 /// Bytes one pixel of `format` takes.
-TAVURO_EXPORT std::size_t bytesPerPixel(PixelFormat format) noexcept;
+[[nodiscard]] TAVURO_EXPORT std::size_t bytesPerPixel(PixelFormat format) noexcept;
 
 /// A decoded picture: width, height, pixel format and the pixel rows, top row
 /// first, each row `bytesPerRow()` bytes long. Immutable once made, so it may
@@ -123,18 +122,17 @@ class TAVURO_EXPORT Picture {
   /// A picture of `width` x `height` pixels of `format` made from `pixels`.
   /// Returns nullptr when `pixels` does not hold exactly
   /// width * height * bytesPerPixel(format) bytes, or that size overflows.
-  static std::shared_ptr<const Picture> make(std::uint32_t width,
-                                             std::uint32_t height,
-                                             PixelFormat format,
-                                             std::vector<std::uint8_t> pixels);
+  [[nodiscard]] static std::shared_ptr<const Picture> make(std::uint32_t width,
+                                                           std::uint32_t height, PixelFormat format,
+                                                           std::vector<std::uint8_t> pixels);
 
-  std::uint32_t width() const noexcept { return width_; }
-  std::uint32_t height() const noexcept { return height_; }
-  PixelFormat pixelFormat() const noexcept { return format_; }
-  std::size_t bytesPerRow() const noexcept {
+  [[nodiscard]] std::uint32_t width() const noexcept { return width_; }
+  [[nodiscard]] std::uint32_t height() const noexcept { return height_; }
+  [[nodiscard]] PixelFormat pixelFormat() const noexcept { return format_; }
+  [[nodiscard]] std::size_t bytesPerRow() const noexcept {
     return static_cast<std::size_t>(width_) * bytesPerPixel(format_);
   }
-  const std::vector<std::uint8_t>& pixels() const noexcept { return pixels_; }
+  [[nodiscard]] const std::vector<std::uint8_t>& pixels() const noexcept { return pixels_; }
 
  private:
   std::uint32_t width_ = 0;
@@ -159,19 +157,18 @@ class TAVURO_EXPORT TavuroError {
   /// Code 0 (no code assigned) and an absent description.
   TavuroError() = default;
   /// Stores `errorCode`, then `errorDescription` (a copy; absent stays absent).
-  TavuroError(std::int64_t errorCode,
-              std::optional<std::string> errorDescription);
+  TavuroError(std::int64_t errorCode, std::optional<std::string> errorDescription);
   virtual ~TavuroError();
 
   /// A new record exactly as the default constructor makes it.
-  static std::shared_ptr<TavuroError> newInstance();
+  [[nodiscard]] static std::shared_ptr<TavuroError> newInstance();
 
   /// The failure's code; 0 when none was assigned. Any value is accepted.
-  std::int64_t errorCode() const noexcept { return errorCode_; }
+  [[nodiscard]] std::int64_t errorCode() const noexcept { return errorCode_; }
   void setErrorCode(std::int64_t errorCode) noexcept { errorCode_ = errorCode; }
 
   /// The failure's text for people; absent differs from empty.
-  const std::optional<std::string>& errorDescription() const noexcept {
+  [[nodiscard]] const std::optional<std::string>& errorDescription() const noexcept {
     return errorDescription_;
   }
   void setErrorDescription(std::optional<std::string> errorDescription) {
@@ -305,9 +302,9 @@ struct TAVURO_EXPORT TavuroErrorInfo {
 
   /// The entry of `code`; absent when no error has that code (0, positive
   /// numbers and the gaps of the numbering).
-  static std::optional<TavuroErrorInfo> forCode(std::int64_t code) noexcept;
+  [[nodiscard]] static std::optional<TavuroErrorInfo> forCode(std::int64_t code) noexcept;
   /// Every entry: the codes from -1 downwards, then the texts without a code.
-  static const std::vector<TavuroErrorInfo>& all() noexcept;
+  [[nodiscard]] static const std::vector<TavuroErrorInfo>& all() noexcept;
 };
 
 // ===========================================================================
@@ -316,8 +313,7 @@ struct TAVURO_EXPORT TavuroErrorInfo {
 
 /// What the initializer calls back with: an absent error (nullptr) means
 /// success, which is what `TavuroInitializer` always reports.
-using TavuroInitializerCallback =
-    std::function<void(std::shared_ptr<TavuroError>)>;
+using TavuroInitializerCallback = std::function<void(std::shared_ptr<TavuroError>)>;
 
 /// A capture package: one start-up operation that reports nothing.
 class TAVURO_EXPORT ITavuroPackage {
@@ -332,9 +328,8 @@ class TAVURO_EXPORT ITavuroPackage {
 class TAVURO_EXPORT ITavuroInitializer {
  public:
   virtual ~ITavuroInitializer();
-  virtual void initialize(
-      const std::vector<std::shared_ptr<ITavuroPackage>>& packages,
-      TavuroInitializerCallback callback) = 0;
+  virtual void initialize(const std::vector<std::shared_ptr<ITavuroPackage>>& packages,
+                          TavuroInitializerCallback callback) = 0;
 };
 
 /// Starts the host's packages. `initialize` calls every package's
@@ -375,44 +370,34 @@ class TAVURO_EXPORT Image {
   virtual ~Image();
 
   /// A new record exactly as the default constructor makes it.
-  static std::shared_ptr<Image> newInstance();
+  [[nodiscard]] static std::shared_ptr<Image> newInstance();
   /// A default record holding `image` and then `data` (which may be null).
-  static std::shared_ptr<Image> newInstance(std::shared_ptr<const Picture> image,
-                                            std::shared_ptr<ByteBuffer> data);
+  [[nodiscard]] static std::shared_ptr<Image> newInstance(std::shared_ptr<const Picture> image,
+                                                          std::shared_ptr<ByteBuffer> data);
 
-  const std::shared_ptr<const Picture>& image() const noexcept { return image_; }
-  void setImage(std::shared_ptr<const Picture> image) noexcept {
-    image_ = std::move(image);
-  }
+  [[nodiscard]] const std::shared_ptr<const Picture>& image() const noexcept { return image_; }
+  void setImage(std::shared_ptr<const Picture> image) noexcept { image_ = std::move(image); }
 
-  const std::shared_ptr<ByteBuffer>& data() const noexcept { return data_; }
-  void setData(std::shared_ptr<ByteBuffer> data) noexcept {
-    data_ = std::move(data);
-  }
+  [[nodiscard]] const std::shared_ptr<ByteBuffer>& data() const noexcept { return data_; }
+  void setData(std::shared_ptr<ByteBuffer> data) noexcept { data_ = std::move(data); }
 
-  std::int64_t dpi() const noexcept { return dpi_; }
+  [[nodiscard]] std::int64_t dpi() const noexcept { return dpi_; }
   void setDpi(std::int64_t dpi) noexcept { dpi_ = dpi; }
 
-  const std::shared_ptr<TavuroError>& error() const noexcept { return error_; }
-  void setError(std::shared_ptr<TavuroError> error) noexcept {
-    error_ = std::move(error);
-  }
+  [[nodiscard]] const std::shared_ptr<TavuroError>& error() const noexcept { return error_; }
+  void setError(std::shared_ptr<TavuroError> error) noexcept { error_ = std::move(error); }
 
-  bool isCorrectAspectRatio() const noexcept { return isCorrectAspectRatio_; }
-  void setIsCorrectAspectRatio(bool value) noexcept {
-    isCorrectAspectRatio_ = value;
-  }
+  [[nodiscard]] bool isCorrectAspectRatio() const noexcept { return isCorrectAspectRatio_; }
+  void setIsCorrectAspectRatio(bool value) noexcept { isCorrectAspectRatio_ = value; }
 
-  float aspectRatio() const noexcept { return aspectRatio_; }
+  [[nodiscard]] float aspectRatio() const noexcept { return aspectRatio_; }
   void setAspectRatio(float aspectRatio) noexcept { aspectRatio_ = aspectRatio; }
 
   /// The located points, in the order they were written; never absent.
-  const std::vector<Point>& points() const noexcept { return points_; }
-  void setPoints(std::vector<Point> points) noexcept {
-    points_ = std::move(points);
-  }
+  [[nodiscard]] const std::vector<Point>& points() const noexcept { return points_; }
+  void setPoints(std::vector<Point> points) noexcept { points_ = std::move(points); }
 
-  bool isPassport() const noexcept { return isPassport_; }
+  [[nodiscard]] bool isPassport() const noexcept { return isPassport_; }
   void setIsPassport(bool isPassport) noexcept { isPassport_ = isPassport; }
 
  private:
@@ -443,16 +428,16 @@ enum class DeleteType : std::int64_t {
 };
 
 /// The mode for `rawValue`, or nothing unless `rawValue` is 0, 1 or 2.
-TAVURO_EXPORT std::optional<ProcessingMode> processingModeWithRawValue(
+[[nodiscard]] TAVURO_EXPORT std::optional<ProcessingMode> processingModeWithRawValue(
     std::int64_t rawValue) noexcept;
 /// The value for `rawValue`, or nothing unless `rawValue` is 0 or 1.
-TAVURO_EXPORT std::optional<DeleteType> deleteTypeWithRawValue(
+[[nodiscard]] TAVURO_EXPORT std::optional<DeleteType> deleteTypeWithRawValue(
     std::int64_t rawValue) noexcept;
 /// The integer behind a value.
-constexpr std::int64_t rawValue(ProcessingMode mode) noexcept {
+[[nodiscard]] constexpr std::int64_t rawValue(ProcessingMode mode) noexcept {
   return static_cast<std::int64_t>(mode);
 }
-constexpr std::int64_t rawValue(DeleteType type) noexcept {
+[[nodiscard]] constexpr std::int64_t rawValue(DeleteType type) noexcept {
   return static_cast<std::int64_t>(type);
 }
 
@@ -465,7 +450,7 @@ constexpr std::int64_t rawValue(DeleteType type) noexcept {
 class TAVURO_EXPORT DocumentProcessingMode {
  public:
   /// The current mode.
-  static ProcessingMode processingMode() noexcept;
+  [[nodiscard]] static ProcessingMode processingMode() noexcept;
   /// Switches the process to data capture; calling it again changes nothing.
   static void setDataCaptureProcessingMode() noexcept;
 
@@ -507,28 +492,28 @@ class TAVURO_EXPORT JsonValue {
   /// A null value.
   JsonValue() noexcept;
 
-  Kind kind() const noexcept;
-  bool isNull() const noexcept { return kind() == Kind::Null; }
+  [[nodiscard]] Kind kind() const noexcept;
+  [[nodiscard]] bool isNull() const noexcept { return kind() == Kind::Null; }
 
   /// The boolean; nothing unless this is a JSON true or false.
-  std::optional<bool> boolValue() const noexcept;
+  [[nodiscard]] std::optional<bool> boolValue() const noexcept;
   /// How the number was read; nothing unless this is a number.
-  std::optional<NumberKind> numberKind() const noexcept;
+  [[nodiscard]] std::optional<NumberKind> numberKind() const noexcept;
   /// The number as a signed 64-bit integer, only when it equals one exactly
   /// (3 and 3.0 give 3; 3.5, 1e19 and 2^64-1 give nothing).
-  std::optional<std::int64_t> int64Value() const noexcept;
+  [[nodiscard]] std::optional<std::int64_t> int64Value() const noexcept;
   /// The number as an unsigned 64-bit integer, only when it equals one exactly.
-  std::optional<std::uint64_t> uint64Value() const noexcept;
+  [[nodiscard]] std::optional<std::uint64_t> uint64Value() const noexcept;
   /// The number as a double, only when it equals one exactly (the integer
   /// 2^53+1 gives nothing).
-  std::optional<double> doubleValue() const noexcept;
+  [[nodiscard]] std::optional<double> doubleValue() const noexcept;
   /// The text, UTF-8; nothing unless this is a string. The view stays valid
   /// while any value of the same document lives.
-  std::optional<std::string_view> stringValue() const noexcept;
+  [[nodiscard]] std::optional<std::string_view> stringValue() const noexcept;
   /// The array; nothing unless this is an array.
-  std::optional<JsonArray> arrayValue() const;
+  [[nodiscard]] std::optional<JsonArray> arrayValue() const;
   /// The dictionary; nothing unless this is an object.
-  std::optional<JsonDictionary> dictionaryValue() const;
+  [[nodiscard]] std::optional<JsonDictionary> dictionaryValue() const;
 
  private:
   friend class JsonArray;
@@ -549,10 +534,10 @@ class TAVURO_EXPORT JsonArray {
   /// An empty array.
   JsonArray() noexcept;
 
-  std::size_t size() const noexcept;
-  bool empty() const noexcept { return size() == 0; }
+  [[nodiscard]] std::size_t size() const noexcept;
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   /// The element at `index`; a null value when `index` is out of range.
-  JsonValue operator[](std::size_t index) const noexcept;
+  [[nodiscard]] JsonValue operator[](std::size_t index) const noexcept;
 
  private:
   friend class JsonValue;
@@ -573,17 +558,17 @@ class TAVURO_EXPORT JsonDictionary {
   /// An empty dictionary.
   JsonDictionary() noexcept;
 
-  std::size_t size() const noexcept;
-  bool empty() const noexcept { return size() == 0; }
-  bool contains(std::string_view key) const noexcept;
+  [[nodiscard]] std::size_t size() const noexcept;
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+  [[nodiscard]] bool contains(std::string_view key) const noexcept;
   /// The value under `key`; nothing when there is no such key (a JSON null
   /// under the key is a present null value).
-  std::optional<JsonValue> find(std::string_view key) const noexcept;
+  [[nodiscard]] std::optional<JsonValue> find(std::string_view key) const noexcept;
   /// The key at `index` in the order of the text, for iteration together
   /// with `valueAt`; empty when `index` is out of range.
-  std::string_view keyAt(std::size_t index) const noexcept;
+  [[nodiscard]] std::string_view keyAt(std::size_t index) const noexcept;
   /// The value at `index`; a null value when `index` is out of range.
-  JsonValue valueAt(std::size_t index) const noexcept;
+  [[nodiscard]] JsonValue valueAt(std::size_t index) const noexcept;
 
  private:
   friend class JsonValue;
@@ -614,7 +599,7 @@ class TAVURO_EXPORT Utils {
   /// array (silently). When the text is not valid JSON, prints the reader's
   /// one-line error description followed by "\n" to standard output and
   /// returns absent.
-  static std::optional<JsonDictionary> convertToDictionary(
+  [[nodiscard]] static std::optional<JsonDictionary> convertToDictionary(
       const std::optional<std::string>& text);
 
   // The typed getters. Each returns its default (0, 0.0, "", false or absent)
@@ -622,20 +607,20 @@ class TAVURO_EXPORT Utils {
   // the value is not already of the wanted kind: nothing is converted between
   // kinds. Numbers convert only when exactly representable.
 
-  static std::int64_t getIntValue(const std::optional<JsonDictionary>& jsonDict,
-                                  const std::string& key);
-  static double getDoubleValue(const std::optional<JsonDictionary>& jsonDict,
-                               const std::string& key);
-  static std::string getStringValue(
+  [[nodiscard]] static std::int64_t getIntValue(const std::optional<JsonDictionary>& jsonDict,
+                                                const std::string& key);
+  [[nodiscard]] static double getDoubleValue(const std::optional<JsonDictionary>& jsonDict,
+                                             const std::string& key);
+  [[nodiscard]] static std::string getStringValue(const std::optional<JsonDictionary>& jsonDict,
+                                                  const std::string& key);
+  [[nodiscard]] static bool getBooleanValue(const std::optional<JsonDictionary>& jsonDict,
+                                            const std::string& key);
+  [[nodiscard]] static std::optional<JsonDictionary> getObjectValue(
       const std::optional<JsonDictionary>& jsonDict, const std::string& key);
-  static bool getBooleanValue(const std::optional<JsonDictionary>& jsonDict,
-                              const std::string& key);
-  static std::optional<JsonDictionary> getObjectValue(
-      const std::optional<JsonDictionary>& jsonDict, const std::string& key);
-  static std::optional<JsonArray> getArrayValue(
+  [[nodiscard]] static std::optional<JsonArray> getArrayValue(
       const std::optional<JsonDictionary>& jsonDict, const std::string& key);
   /// The same as `getArrayValue`.
-  static std::optional<JsonArray> getArrayValueFromJson(
+  [[nodiscard]] static std::optional<JsonArray> getArrayValueFromJson(
       const std::optional<JsonDictionary>& jsonDict, const std::string& key);
 
   /// Turns a date field such as "/Date(1234567890000)/" into "MM-dd-yyyy" in
@@ -644,16 +629,16 @@ class TAVURO_EXPORT Utils {
   /// truncated toward zero to whole seconds. Anything else comes back
   /// unchanged. An absent argument ends the process (see the top of this
   /// header).
-  static std::optional<std::string> dateFieldToDateString(
+  [[nodiscard]] static std::optional<std::string> dateFieldToDateString(
       const std::optional<std::string>& dateStr);
 
   /// The JPEG quality (0.0 to 1.0 by convention, not checked) for images
   /// that packages send to services. Starts at 0.9.
-  static double SENT_IMAGE_QUALITY_JPEG_COMPRESSION() noexcept;
+  [[nodiscard]] static double SENT_IMAGE_QUALITY_JPEG_COMPRESSION() noexcept;
   static void setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality) noexcept;
 
   /// The kit's version text. Starts at "11.4.10"; any text is stored as is.
-  static std::string SDK_VERSION_CODE();
+  [[nodiscard]] static std::string SDK_VERSION_CODE();
   static void setSDK_VERSION_CODE(std::string versionCode);
 };
 
@@ -680,24 +665,24 @@ class TAVURO_EXPORT Endpoints {
   virtual ~Endpoints();
 
   /// A new record exactly as the default constructor makes it.
-  static std::shared_ptr<Endpoints> newInstance();
+  [[nodiscard]] static std::shared_ptr<Endpoints> newInstance();
 
   /// FRM service ("frm_endpoint").
-  virtual std::optional<std::string> frmEndpoint() const;
+  [[nodiscard]] virtual std::optional<std::string> frmEndpoint() const;
   virtual void setFrmEndpoint(std::optional<std::string> endpoint);
   /// Document authentication service ("ferisant_endpoint").
-  virtual std::optional<std::string> idEndpoint() const;
+  [[nodiscard]] virtual std::optional<std::string> idEndpoint() const;
   virtual void setIdEndpoint(std::optional<std::string> endpoint);
   /// Passive liveness service ("passive_liveness_endpoint"; never saved).
-  virtual std::optional<std::string> passiveLivenessEndpoint() const;
+  [[nodiscard]] virtual std::optional<std::string> passiveLivenessEndpoint() const;
   virtual void setPassiveLivenessEndpoint(std::optional<std::string> endpoint);
   /// Health insurance service ("med_endpoint").
-  virtual std::optional<std::string> healthInsuranceEndpoint() const;
+  [[nodiscard]] virtual std::optional<std::string> healthInsuranceEndpoint() const;
   virtual void setHealthInsuranceEndpoint(std::optional<std::string> endpoint);
   /// Kelmo e-passport chip verification ("kelmo_endpoint"; never saved, and
   /// given the built-in default when the file has no text under the key;
   /// the default is the CMake cache setting TAVURO_KELMO_DEFAULT_ENDPOINT).
-  virtual std::optional<std::string> kelmoEndpoint() const;
+  [[nodiscard]] virtual std::optional<std::string> kelmoEndpoint() const;
   virtual void setKelmoEndpoint(std::optional<std::string> endpoint);
 
  private:
@@ -720,13 +705,13 @@ class TAVURO_EXPORT TavuroJwtToken {
   virtual ~TavuroJwtToken();
 
   /// The whole token, byte for byte as given.
-  const std::string& value() const noexcept { return value_; }
+  [[nodiscard]] const std::string& value() const noexcept { return value_; }
   /// The instant from which the token is no longer valid.
-  Instant expiration() const noexcept { return expiration_; }
+  [[nodiscard]] Instant expiration() const noexcept { return expiration_; }
 
   /// True while the current time is strictly before `expiration()`; false
   /// at the very instant of expiry and after. No margin is applied.
-  virtual bool isValid() const;
+  [[nodiscard]] virtual bool isValid() const;
   /// The rule of `isValid()` at the instant `now` instead of the current
   /// time: true only when `now` is strictly before `expiration()`.
   [[nodiscard]] bool isValidAt(Instant now) const noexcept;
@@ -754,7 +739,7 @@ class TAVURO_EXPORT TavuroJwtParser {
   /// counts; 1.5, 2^63, a text of digits and a boolean do not). An expired
   /// token still gives a record. `jwtToken` must contain a "." (see
   /// `decode`).
-  virtual std::shared_ptr<TavuroJwtToken> parseToken(
+  [[nodiscard]] virtual std::shared_ptr<TavuroJwtToken> parseToken(
       const std::string& jwtToken) const;
 
   /// The claims of the payload (the second "."-separated segment, empty
@@ -762,22 +747,23 @@ class TAVURO_EXPORT TavuroJwtParser {
   /// dictionary when that segment is not base64url of a JSON object.
   /// A token without any "." ends the process: check for one first when
   /// the text is not known to be a token.
-  virtual JsonDictionary decode(const std::string& jwtToken) const;
+  [[nodiscard]] virtual JsonDictionary decode(const std::string& jwtToken) const;
 
   /// The bytes of a base64url text: "-" and "_" read as "+" and "/", "="
   /// appended up to a multiple of four bytes of the whole text, then
   /// characters outside the base64 alphabet skipped. Absent when the text
   /// cannot be decoded, as when a single alphabet character is left over
   /// at the end ("YWJjZ").
-  virtual std::optional<std::vector<std::uint8_t>> base64UrlDecode(
+  [[nodiscard]] virtual std::optional<std::vector<std::uint8_t>> base64UrlDecode(
       const std::string& text) const;
 
   /// The JSON object in one base64url segment; absent when the segment does
   /// not decode or does not hold a JSON object.
-  virtual std::optional<JsonDictionary> decodeJWTPart(
+  [[nodiscard]] virtual std::optional<JsonDictionary> decodeJWTPart(
       const std::string& segment) const;
+
  private:
-  std::optional<JsonDictionary> objectFromSegment(const std::string& segment) const;
+  [[nodiscard]] std::optional<JsonDictionary> objectFromSegment(const std::string& segment) const;
 };
 
 /// Names the directory that stands for the host's resource bundle: the
@@ -801,7 +787,7 @@ TAVURO_EXPORT void setResourceDirectory(const std::string& directory);
 
 /// The resource directory that is in force now, found as described at
 /// `setResourceDirectory`; empty when none can be determined.
-TAVURO_EXPORT std::string resourceDirectory();
+[[nodiscard]] TAVURO_EXPORT std::string resourceDirectory();
 
 /// The process-wide credential store: user name, password, subscription,
 /// service endpoints and the current session token, and the HTTP
@@ -854,12 +840,12 @@ class TAVURO_EXPORT Credential {
 
   /// The account user name, password and subscription identifier; absent
   /// until the file or a setter gives one.
-  static std::optional<std::string> username();
-  static std::optional<std::string> password();
-  static std::optional<std::string> subscription();
+  [[nodiscard]] static std::optional<std::string> username();
+  [[nodiscard]] static std::optional<std::string> password();
+  [[nodiscard]] static std::optional<std::string> subscription();
   /// The store's own record (not a copy); nullptr when no configuration file
   /// was read and none was set.
-  static std::shared_ptr<Endpoints> endpoints();
+  [[nodiscard]] static std::shared_ptr<Endpoints> endpoints();
 
   /// Drops the stored token; false when none was stored.
   static bool removeToken();
@@ -870,18 +856,18 @@ class TAVURO_EXPORT Credential {
   /// `TavuroJwtParser::decode`.
   static bool setToken(const std::string& token);
   /// The stored token, expired or not; nullptr when none is stored.
-  static std::shared_ptr<TavuroJwtToken> getToken();
+  [[nodiscard]] static std::shared_ptr<TavuroJwtToken> getToken();
   /// False for an absent or empty endpoint, without touching the store;
   /// otherwise true when user name, password and subscription are all
   /// present and non-empty, or when any token is stored (its expiry is not
   /// looked at). The endpoint's form is not checked.
-  static bool isCredentialValid(const std::optional<std::string>& endpoint);
+  [[nodiscard]] static bool isCredentialValid(const std::optional<std::string>& endpoint);
   /// "Bearer " and the stored token (expired or not) while one is stored,
   /// else `getBasicAuthHeader()`.
-  static std::optional<std::string> getTavuroAuthHeader();
+  [[nodiscard]] static std::optional<std::string> getTavuroAuthHeader();
   /// "Basic " and the base64 of user name ":" password; absent when either
   /// is absent.
-  static std::optional<std::string> getBasicAuthHeader();
+  [[nodiscard]] static std::optional<std::string> getBasicAuthHeader();
 
   /// Each setter stores the value (absent clears it), then saves the file.
   static void setUsername(const std::optional<std::string>& username);

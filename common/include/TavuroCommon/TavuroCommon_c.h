@@ -59,6 +59,8 @@
 #ifndef TAVUROCOMMON_TAVUROCOMMON_C_H_
 #define TAVUROCOMMON_TAVUROCOMMON_C_H_
 
+/* A header of C as much as of C++: its includes and typedefs keep the spelling
+ * C needs. NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using) */
 #include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -554,5 +556,6 @@ TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints*
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
+/* NOLINTEND(modernize-deprecated-headers, modernize-use-using) */
 
 #endif /* TAVUROCOMMON_TAVUROCOMMON_C_H_ */
