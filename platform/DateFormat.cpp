@@ -5,11 +5,6 @@
 namespace tavuro::platform {
 namespace {
 
-// The range the platform's calendar supports, in whole seconds; instants
-// beyond it are shown as the nearest limit. Both limits fall on midnight.
-constexpr std::int64_t kEarliestSeconds = -184303902528000;
-constexpr std::int64_t kLatestSeconds = 183882168921600;
-
 // 1582-10-15T00:00:00Z, the first day of the Gregorian calendar; the day
 // before it is 1582-10-04 of the Julian calendar.
 constexpr std::int64_t kGregorianStartSeconds = -12219292800;
@@ -84,7 +79,8 @@ char* putYear(char* out, std::int64_t year) {
 }  // namespace
 
 std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch) {
-  const std::int64_t seconds = std::clamp(secondsSinceEpoch, kEarliestSeconds, kLatestSeconds);
+  const std::int64_t seconds =
+      std::clamp(secondsSinceEpoch, kEarliestFormattedSeconds, kLatestFormattedSeconds);
   const std::int64_t julianDay = floorDiv(seconds, kSecondsPerDay) + kJulianDayOfEpoch;
   const CalendarDate date =
       seconds >= kGregorianStartSeconds ? gregorianDate(julianDay) : julianDate(julianDay);

@@ -9,6 +9,13 @@
 
 namespace tavuro::platform {
 
+/// The range of instants the calendar shows, in whole seconds since 1970
+/// (both on midnight: 09-20-5838270 BC in the Julian calendar and
+/// 12-20-5828963 in the Gregorian one);
+/// instants beyond it are shown as the nearest limit.
+inline constexpr std::int64_t kEarliestFormattedSeconds = -184303902528000;
+inline constexpr std::int64_t kLatestFormattedSeconds = 183882168921600;
+
 /// `secondsSinceEpoch` (seconds since 1970-01-01T00:00:00 UTC) as
 /// "MM-dd-yyyy" in GMT; the year is the year of era, at least four digits.
 [[nodiscard]] std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch);

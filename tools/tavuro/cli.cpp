@@ -1,12 +1,20 @@
 #include "cli.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <sstream>
+#include <system_error>
+
+#include "platform/DateFormat.h"
 
 namespace tavuro::tool {
 
@@ -26,19 +34,32 @@ bool contains(const std::vector<std::string>& list, const std::string& word) {
 
 Arguments parseArguments(const std::vector<std::string>& words, const Syntax& syntax) {
   Arguments arguments;
+  bool optionsEnded = false;
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string& word = words[i];
-    // A lone "-" or a negative number such as an error code is positional.
-    const bool looksLikeOption = word.size() > 2 && word.compare(0, 2, "--") == 0;
-    if (!looksLikeOption) {
-      arguments.positional.push_back(word);
-    } else if (word == "--help" || contains(syntax.flags, word)) {
-      arguments.options[word] = "";
-    } else if (contains(syntax.valued, word)) {
-      if (i + 1 == words.size()) throw UsageError("option " + word + " needs a value");
-      arguments.options[word] = words[++i];
+    if (optionsEnded || word.size() <= 2 || word.compare(0, 2, "--") != 0) {
+      if (!optionsEnded && word == "-h") {
+        arguments.options["--help"] = "";
+      } else if (!optionsEnded && word == "--") {
+        optionsEnded = true;
+      } else {
+        arguments.positional.push_back(word);
+      }
+      continue;
+    }
+    const std::size_t equals = word.find('=');
+    const std::string name = word.substr(0, equals);
+    if (name == "--help" || contains(syntax.flags, name)) {
+      if (equals != std::string::npos) throw UsageError("option " + name + " takes no value");
+      arguments.options[name] = "";
+    } else if (!contains(syntax.valued, name)) {
+      throw UsageError("unknown option " + name);
+    } else if (equals != std::string::npos) {
+      arguments.options[name] = word.substr(equals + 1);
+    } else if (i + 1 == words.size()) {
+      throw UsageError("option " + name + " needs a value");
     } else {
-      throw UsageError("unknown option " + word);
+      arguments.options[name] = words[++i];
     }
   }
   if (arguments.has("--help")) return arguments;
@@ -139,25 +160,43 @@ std::string toJsonText(const JsonArray& array) {
 
 namespace {
 
-std::string formatTime(std::int64_t seconds, bool utc, const char* pattern) {
-  const auto time = static_cast<std::time_t>(seconds);
-  if (static_cast<std::int64_t>(time) != seconds) return "";
-  std::tm fields{};
-  const bool converted =
-      utc ? gmtime_r(&time, &fields) != nullptr : localtime_r(&time, &fields) != nullptr;
-  char buffer[96];
-  if (!converted || std::strftime(buffer, sizeof buffer, pattern, &fields) == 0) return "";
-  return buffer;
+constexpr std::int64_t kSecondsPerDay = 86400;
+
+// "yyyy-MM-dd" + separator + "HH:mm:ss" in the library's calendar; empty
+// beyond the range it shows (it would pin the date to the nearest end).
+std::string calendarText(std::int64_t seconds, char separator) {
+  if (seconds < platform::kEarliestFormattedSeconds ||
+      seconds > platform::kLatestFormattedSeconds) {
+    return "";
+  }
+  const std::string date = platform::formatDateMMddyyyyGMT(seconds);  // MM-dd-yyyy
+  std::int64_t ofDay = seconds % kSecondsPerDay;
+  if (ofDay < 0) ofDay += kSecondsPerDay;
+  char time[16];
+  std::snprintf(time, sizeof time, "%c%02d:%02d:%02d", separator, static_cast<int>(ofDay / 3600),
+                static_cast<int>(ofDay / 60 % 60), static_cast<int>(ofDay % 60));
+  return date.substr(6) + "-" + date.substr(0, 5) + time;
 }
 
 }  // namespace
 
 std::string formatUtc(std::int64_t seconds) {
-  return formatTime(seconds, true, "%Y-%m-%dT%H:%M:%SZ");
+  const std::string text = calendarText(seconds, 'T');
+  return text.empty() ? text : text + "Z";
 }
 
 std::string formatLocal(std::int64_t seconds) {
-  return formatTime(seconds, false, "%Y-%m-%d %H:%M:%S %Z");
+  // The zone's offset and name at that instant, from the C library; the
+  // calendar is the library's.
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm fields{};
+  if (static_cast<std::int64_t>(time) != seconds || localtime_r(&time, &fields) == nullptr ||
+      seconds < platform::kEarliestFormattedSeconds ||
+      seconds > platform::kLatestFormattedSeconds) {
+    return "";
+  }
+  const std::string text = calendarText(seconds + fields.tm_gmtoff, ' ');
+  return text.empty() ? text : text + " " + (fields.tm_zone != nullptr ? fields.tm_zone : "");
 }
 
 std::string formatDuration(std::int64_t seconds) {
@@ -184,6 +223,59 @@ std::optional<std::string> readFile(const std::string& path) {
   contents << file.rdbuf();
   if (file.bad()) return std::nullopt;
   return contents.str();
+}
+
+std::string readInputFile(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) {
+    throw std::runtime_error(path + " is a directory, not a file");
+  }
+  std::optional<std::string> contents = readFile(path);
+  if (!contents) {
+    throw std::runtime_error("cannot read " + path + ": " + std::generic_category().message(errno));
+  }
+  return std::move(*contents);
+}
+
+namespace {
+
+std::string withoutLineEnd(std::string text) {
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+std::string readSecret(const std::string& text) {
+  if (text != "-") return text;
+  std::ostringstream contents;
+  contents << std::cin.rdbuf();
+  return withoutLineEnd(contents.str());
+}
+
+std::string secretArgument(const Arguments& arguments, const std::optional<std::string>& positional,
+                           const std::string& fileOption) {
+  const std::optional<std::string> file = arguments.option(fileOption);
+  if (positional.has_value() == file.has_value()) {
+    throw UsageError(file ? "give the value or " + fileOption + ", not both"
+                          : "missing argument (the value, \"-\" for standard input, or " +
+                                fileOption + " FILE)");
+  }
+  return file ? withoutLineEnd(readInputFile(*file)) : readSecret(*positional);
+}
+
+LibraryOutputToStderr::LibraryOutputToStderr() {
+  std::fflush(stdout);
+  saved_ = dup(STDOUT_FILENO);
+  if (saved_ >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+LibraryOutputToStderr::~LibraryOutputToStderr() {
+  std::fflush(stdout);
+  if (saved_ < 0) return;
+  dup2(saved_, STDOUT_FILENO);
+  close(saved_);
 }
 
 }  // namespace tavuro::tool

@@ -15,7 +15,7 @@
 
 namespace tavuro::tool {
 
-/// Exit statuses: success, a failure or finding the user asked about, and a
+/// Exit statuses: the good answer, the answer "no" (or a failure), and a
 /// command line that could not be understood.
 enum ExitStatus : int { kOk = 0, kFailed = 1, kUsage = 2 };
 
@@ -26,7 +26,7 @@ class UsageError : public std::runtime_error {
 };
 
 /// The words after the command name, split into positional arguments,
-/// flags (`--json`) and options with a value (`--as int`).
+/// flags (`--json`) and options with a value (`--as int` or `--as=int`).
 struct Arguments {
   std::vector<std::string> positional;
   std::map<std::string, std::string> options;
@@ -43,8 +43,11 @@ struct Syntax {
 };
 
 /// Splits `words` by `syntax`; throws UsageError on an unknown option, a
-/// missing value or a wrong number of positional arguments. "--help" is
-/// always accepted (and then the positional count is not checked).
+/// missing value, a value given to a flag or a wrong number of positional
+/// arguments. "-h" and "--help" are always accepted (stored as "--help", and
+/// then the positional count is not checked); every word after "--" is
+/// positional, and so is any other word that starts with a single "-" (a
+/// negative number, or "-" for standard input).
 [[nodiscard]] Arguments parseArguments(const std::vector<std::string>& words, const Syntax& syntax);
 
 /// Prints a command's help text on standard output; returns kOk.
@@ -72,7 +75,10 @@ void applyResourceOption(const Arguments& arguments);
 [[nodiscard]] std::string toJsonText(const JsonArray& array);
 
 /// Seconds since 1970 as "2023-11-14T22:13:20Z" and as local time with the
-/// zone's abbreviation; empty when the calendar cannot show the instant.
+/// zone's abbreviation ("2023-11-14 23:13:20 CET"), in the library's own
+/// calendar (the one of Utils::dateFieldToDateString: Julian before
+/// 1582-10-15, the year of era with at least four digits); empty when the
+/// calendar cannot show the instant.
 [[nodiscard]] std::string formatUtc(std::int64_t seconds);
 [[nodiscard]] std::string formatLocal(std::int64_t seconds);
 /// A span of seconds as "1d 2h 3m 4s" (largest unit first, zero units left out).
@@ -80,6 +86,31 @@ void applyResourceOption(const Arguments& arguments);
 
 /// The whole file, or nullopt when it cannot be read.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path);
+/// The whole file; throws std::runtime_error saying why it cannot be read
+/// ("is a directory", "No such file or directory", ...).
+[[nodiscard]] std::string readInputFile(const std::string& path);
+/// A secret given as `text`, or read whole from standard input when `text`
+/// is "-"; one line end at the end of what is read is dropped.
+[[nodiscard]] std::string readSecret(const std::string& text);
+/// The secret given positionally (`positional`, maybe "-") or as the file
+/// named by option `fileOption`; throws UsageError unless exactly one is given.
+[[nodiscard]] std::string secretArgument(const Arguments& arguments,
+                                         const std::optional<std::string>& positional,
+                                         const std::string& fileOption);
+
+/// While one lives, whatever the process writes to standard output goes to
+/// standard error instead: the library's own lines (a JSON parse error) never
+/// mix with the tool's output.
+class LibraryOutputToStderr {
+ public:
+  LibraryOutputToStderr();
+  ~LibraryOutputToStderr();
+  LibraryOutputToStderr(const LibraryOutputToStderr&) = delete;
+  LibraryOutputToStderr& operator=(const LibraryOutputToStderr&) = delete;
+
+ private:
+  int saved_ = -1;
+};
 
 // The commands. Each returns its exit status; `words` excludes the command
 // name (and, for "config", the subcommand name).

@@ -5,11 +5,13 @@
 // reader (platform/Plist.h), the one the store uses, so the tool and the
 // store cannot disagree about which entries are texts.
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
 
 #include "cli.h"
+#include "common/CredentialStore.h"
 #include "platform/Plist.h"
 
 namespace tavuro::tool {
@@ -162,12 +164,6 @@ std::set<std::string> rootKeys(std::string_view bytes, const StringDictionary& v
   return keys;
 }
 
-std::set<std::string> keysInFile(const std::string& path) {
-  const std::optional<std::string> bytes = readFile(path);
-  const auto view = bytes ? platform::readPlistStringDictionary(*bytes) : std::nullopt;
-  return view ? rootKeys(*bytes, *view) : std::set<std::string>();
-}
-
 // ---------------------------------------------------------------------------
 // config check
 // ---------------------------------------------------------------------------
@@ -239,15 +235,15 @@ const char kCheckHelp[] =
     "usage: tavuro config check FILE [--json]\n\n"
     "Tells what the credential store will do with FILE: keys it ignores and the\n"
     "first save loses, the two endpoints that are read but never saved, values\n"
-    "that are not texts and read as absent, an empty password, a malformed file.\n"
-    "Exit status 0 when nothing is lost, 1 otherwise.\n";
+    "that are not texts and read as absent, an empty password, a malformed file.\n\n"
+    "Exit status: 0 nothing is lost, 1 something is lost or FILE cannot be read,\n"
+    "2 usage error.\n";
 
 int runCheck(const std::vector<std::string>& words) {
   const Arguments arguments = parseArguments(words, {{"--json"}, {}, 1, 1});
   if (arguments.has("--help")) return showHelp(kCheckHelp);
   const std::string& path = arguments.positional[0];
-  const std::optional<std::string> bytes = readFile(path);
-  if (!bytes) throw std::runtime_error("cannot read " + path);
+  const std::optional<std::string> bytes = readInputFile(path);
 
   std::vector<Finding> findings;
   const std::optional<StringDictionary> view = platform::readPlistStringDictionary(*bytes);
@@ -339,7 +335,9 @@ const char kShowHelp[] =
     "usage: tavuro config show [--resources DIR] [--json]\n\n"
     "Shows what the credential store loads: the configuration file it reads,\n"
     "the credentials (the password masked) and the five endpoints, each with\n"
-    "where its value came from (the file or the built-in default).\n";
+    "where its value came from (the file or the built-in default).\n\n"
+    "Exit status: 0 the file was read, 1 it is missing, unreadable or malformed\n"
+    "(what the store then holds is shown all the same), 2 usage error.\n";
 
 int runShow(const std::vector<std::string>& words) {
   const Arguments arguments = parseArguments(words, {{"--json"}, {"--resources"}, 0, 0});
@@ -347,8 +345,12 @@ int runShow(const std::vector<std::string>& words) {
   applyResourceOption(arguments);
   const std::string path = configPath();
   const std::optional<StringDictionary> file = storeView(path);
-  const bool exists = readFile(path).has_value();
-  const char* state = file ? "read" : exists ? "unreadable or malformed" : "missing";
+  std::error_code error;
+  const char* state = file                                         ? "read"
+                      : std::filesystem::is_directory(path, error) ? "a directory, not a file"
+                      : readFile(path)                             ? "malformed"
+                                                                   : "missing or unreadable";
+  const int status = file ? kOk : kFailed;
   const std::shared_ptr<Endpoints> endpoints = Credential::endpoints();
 
   if (arguments.has("--json")) {
@@ -368,7 +370,7 @@ int runShow(const std::vector<std::string>& words) {
         password ? jsonQuote(maskedPassword(password)).c_str() : "null",
         jsonQuote(Credential::subscription()).c_str(),
         endpoints ? ("{" + rows + "}").c_str() : "null");
-    return kOk;
+    return status;
   }
   std::printf("configuration file: %s (%s)\n", path.c_str(), state);
   std::printf("  %-28s %s\n", "tavuro_username", describe(Credential::username()).c_str());
@@ -376,7 +378,7 @@ int runShow(const std::vector<std::string>& words) {
   std::printf("  %-28s %s\n", "tavuro_subscription", describe(Credential::subscription()).c_str());
   if (!endpoints) {
     std::printf("endpoints: none (no configuration was read)\n");
-    return kOk;
+    return status;
   }
   std::printf("endpoints:\n");
   for (const EndpointRow& row : kEndpointRows) {
@@ -385,7 +387,7 @@ int runShow(const std::vector<std::string>& words) {
     std::printf("  %-28s %s%s\n", row.key, describe(value).c_str(),
                 std::string(source) == "built-in default" ? " (built-in default)" : "");
   }
-  return kOk;
+  return status;
 }
 
 // ---------------------------------------------------------------------------
@@ -393,33 +395,82 @@ int runShow(const std::vector<std::string>& words) {
 // ---------------------------------------------------------------------------
 
 // Stores `value` under `key` through the store's own setter, which saves.
-void storeValue(const std::string& key, const std::optional<std::string>& value) {
-  if (key == "tavuro_username") return Credential::setUsername(value);
-  if (key == "tavuro_password") return Credential::setPassword(value);
-  if (key == "tavuro_subscription") return Credential::setSubscription(value);
-  std::shared_ptr<Endpoints> endpoints = Credential::endpoints();
+void storeValue(detail::CredentialStore& store, const std::string& key,
+                const std::optional<std::string>& value) {
+  if (key == "tavuro_username") return store.setUsername(value);
+  if (key == "tavuro_password") return store.setPassword(value);
+  if (key == "tavuro_subscription") return store.setSubscription(value);
+  std::shared_ptr<Endpoints> endpoints = store.endpoints();
   if (!endpoints) endpoints = Endpoints::newInstance();
   if (key == "frm_endpoint") endpoints->setFrmEndpoint(value);
   if (key == "ferisant_endpoint") endpoints->setIdEndpoint(value);
   if (key == "med_endpoint") endpoints->setHealthInsuranceEndpoint(value);
-  Credential::setEndpoints(endpoints);
+  store.setEndpoints(endpoints);
+}
+
+bool isBinary(std::string_view bytes) {
+  return bytes.compare(0, 8, "bplist00") == 0;
+}
+
+// What a rewrite from `before` to `after` loses: the keys gone (other than
+// `changed`), and for the binary form the values that are not texts, whose
+// keys the scan cannot name.
+std::vector<std::string> losses(const std::string& before, const std::string& after,
+                                const std::string& changed) {
+  std::vector<std::string> lost;
+  const StringDictionary afterView =
+      platform::readPlistStringDictionary(after).value_or(StringDictionary());
+  const std::optional<StringDictionary> beforeView = platform::readPlistStringDictionary(before);
+  if (!beforeView) return lost;
+  for (const std::string& key : rootKeys(before, *beforeView)) {
+    if (key != changed && afterView.count(key) == 0) lost.push_back(key);
+  }
+  if (isBinary(before)) {
+    const std::uint64_t entries = binaryRootEntryCount(before).value_or(beforeView->size());
+    if (entries > beforeView->size()) {
+      lost.push_back("(" + std::to_string(entries - beforeView->size()) +
+                     " value(s) that are not texts)");
+    }
+  }
+  return lost;
 }
 
 const char kSetHelp[] =
-    "usage: tavuro config set KEY VALUE [--resources DIR]\n"
-    "       tavuro config unset KEY [--resources DIR]\n\n"
+    "usage: tavuro config set KEY VALUE|- [--resources DIR] [--dry-run] [--force] [--json]\n"
+    "       tavuro config set KEY --value-file FILE [...]\n"
+    "       tavuro config unset KEY [--resources DIR] [--dry-run] [--force] [--json]\n\n"
     "Changes one setting through the credential store's setters, so the file is\n"
-    "rewritten exactly as the library rewrites it (and loses what a save loses,\n"
-    "which is listed). KEY is one of tavuro_username, tavuro_password,\n"
-    "tavuro_subscription, frm_endpoint, ferisant_endpoint, med_endpoint.\n";
+    "rewritten exactly as the library rewrites it. KEY is one of tavuro_username,\n"
+    "tavuro_password, tavuro_subscription, frm_endpoint, ferisant_endpoint,\n"
+    "med_endpoint. VALUE \"-\" reads the value from standard input, --value-file\n"
+    "from a file (one line end at the end is dropped), so that a password stays\n"
+    "out of the process list and the shell history.\n\n"
+    "A rewrite drops keys the store does not save and values that are not texts,\n"
+    "and turns a binary file into XML. Such a change is refused, with the list of\n"
+    "what it would lose, unless --force is given. --dry-run writes nothing: it\n"
+    "prints the file that would be written, and what it loses on standard error.\n\n"
+    "Exit status: 0 the file is (or, with --dry-run, would be) written, 1 the\n"
+    "change is refused or fails, 2 usage error.\n";
 
 int runSet(const std::vector<std::string>& words, bool unset) {
-  const std::size_t count = unset ? 1 : 2;
-  const Arguments arguments = parseArguments(words, {{}, {"--resources"}, count, count});
+  const Arguments arguments = parseArguments(words, {{"--dry-run", "--force", "--json"},
+                                                     {"--resources", "--value-file"},
+                                                     1,
+                                                     unset ? std::size_t{1} : std::size_t{2}});
   if (arguments.has("--help")) return showHelp(kSetHelp);
   const std::string& key = arguments.positional[0];
   const KnownKey* known = findKnownKey(key);
   if (known == nullptr) throw UsageError("unknown key '" + key + "'");
+  std::optional<std::string> value;
+  if (!unset) {
+    value = secretArgument(arguments,
+                           arguments.positional.size() > 1
+                               ? std::optional<std::string>(arguments.positional[1])
+                               : std::nullopt,
+                           "--value-file");
+  } else if (arguments.has("--value-file")) {
+    throw UsageError("unset takes no value");
+  }
   if (!known->saved) {
     throw std::runtime_error(key +
                              " is never written by the store; edit the file itself "
@@ -427,32 +478,61 @@ int runSet(const std::vector<std::string>& words, bool unset) {
   }
   applyResourceOption(arguments);
   const std::string path = configPath();
-  if (!readFile(path)) {
-    throw std::runtime_error("no readable " + path + ": the store writes no file of its own");
-  }
-  const std::set<std::string> before = keysInFile(path);
-  const std::optional<std::string> value =
-      unset ? std::nullopt : std::optional<std::string>(arguments.positional[1]);
-  storeValue(key, value);
+  const std::string before = readInputFile(path);
 
-  const std::optional<StringDictionary> after = storeView(path);
-  const bool written = after && (value ? after->count(key) != 0 && after->at(key) == *value
-                                       : after->count(key) == 0);
-  if (!written) throw std::runtime_error("the store could not rewrite " + path);
-  std::printf("%s %s in %s\n", key.c_str(), unset ? "removed" : "set", path.c_str());
-  for (const std::string& dropped : before) {
-    if (dropped != key && after->count(dropped) == 0) {
-      std::printf("  dropped by the rewrite: %s\n", dropped.c_str());
-    }
+  // A store of its own on the same file, whose save is caught here: nothing
+  // is written until what the rewrite loses is known.
+  detail::CredentialStore::Environment environment = detail::CredentialStore::systemEnvironment();
+  const auto writeFile = environment.writeFile;
+  std::optional<std::string> after;
+  environment.configurationPath = [&path] { return std::optional<std::string>(path); };
+  environment.writeFile = [&after](const std::string&, std::string_view bytes) {
+    after = std::string(bytes);
+    return true;
+  };
+  detail::CredentialStore store(environment);
+  storeValue(store, key, value);
+  if (!after) throw std::runtime_error("the store would not rewrite " + path);
+
+  const std::vector<std::string> lost = losses(before, *after, key);
+  const bool formChanges = isBinary(before) && !isBinary(*after);
+  const bool refused = (!lost.empty() || formChanges) && !arguments.has("--force");
+  const bool dryRun = arguments.has("--dry-run");
+  const bool written = !refused && !dryRun;
+  if (written && !writeFile(path, *after)) throw std::runtime_error("cannot write " + path);
+
+  std::string lostText;
+  for (const std::string& entry : lost) lostText += (lostText.empty() ? "" : ", ") + entry;
+  if (formChanges) lostText += std::string(lostText.empty() ? "" : "; ") + "binary form (to XML)";
+  if (arguments.has("--json")) {
+    std::string items;
+    for (const std::string& entry : lost) items += (items.empty() ? "" : ",") + jsonQuote(entry);
+    std::printf(
+        "{\"file\":%s,\"key\":%s,\"action\":%s,\"written\":%s,\"refused\":%s,\"lost\":[%s],"
+        "\"toXml\":%s,\"content\":%s}\n",
+        jsonQuote(path).c_str(), jsonQuote(key).c_str(), unset ? "\"unset\"" : "\"set\"",
+        written ? "true" : "false", refused ? "true" : "false", items.c_str(),
+        formChanges ? "true" : "false", jsonQuote(*after).c_str());
+  } else if (dryRun) {
+    std::fputs(after->c_str(), stdout);
+  } else if (written) {
+    std::printf("%s %s in %s\n", key.c_str(), unset ? "removed" : "set", path.c_str());
   }
-  return kOk;
+  if (!lostText.empty()) {
+    std::fprintf(stderr, "tavuro config: the rewrite %s: %s\n",
+                 written   ? "dropped"
+                 : refused ? "would lose (nothing written; --force to accept)"
+                           : "would lose",
+                 lostText.c_str());
+  }
+  return refused ? kFailed : kOk;
 }
 
 const char kConfigHelp[] =
     "usage: tavuro config show [--resources DIR] [--json]\n"
     "       tavuro config check FILE [--json]\n"
-    "       tavuro config set KEY VALUE [--resources DIR]\n"
-    "       tavuro config unset KEY [--resources DIR]\n\n"
+    "       tavuro config set KEY VALUE|- [--resources DIR] [--dry-run] [--force] [--json]\n"
+    "       tavuro config unset KEY [--resources DIR] [--dry-run] [--force] [--json]\n\n"
     "Without --resources the store's resource directory is the one in\n"
     "TAVURO_RESOURCE_PATH, else the directory of the tavuro program.\n";
 
@@ -462,7 +542,7 @@ int runConfig(const std::vector<std::string>& words) {
   if (words.empty()) throw UsageError("missing subcommand");
   const std::string& sub = words[0];
   const std::vector<std::string> rest(words.begin() + 1, words.end());
-  if (sub == "--help") return showHelp(kConfigHelp);
+  if (sub == "--help" || sub == "-h") return showHelp(kConfigHelp);
   if (sub == "show") return runShow(rest);
   if (sub == "check") return runCheck(rest);
   if (sub == "set") return runSet(rest, false);

@@ -69,7 +69,8 @@ const char kHelp[] =
     "and sample_answer.json from DIR, else beside the program): the store loads the\n"
     "configuration, the packages start, a request is prepared and its answer read,\n"
     "and results come back as records. The samples are copied to a scratch directory\n"
-    "first, so the store's saves do not change them.\n";
+    "first, so the store's saves do not change them.\n\n"
+    "Exit status: 0 the walk ran, 1 no sample resources were found, 2 usage error.\n";
 
 }  // namespace
 

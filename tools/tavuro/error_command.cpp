@@ -40,8 +40,8 @@ const char kHelp[] =
     "       tavuro error --list [--json]\n\n"
     "Looks an error up by its code (-5), its code name (ERROR_Network), its\n"
     "description name (ERROR_DESC_Network) or its exact text (\"Network problem\")\n"
-    "and prints code, names and text. --list prints the whole table. Exit status\n"
-    "1 when nothing matches.\n";
+    "and prints code, names and text. --list prints the whole table.\n\n"
+    "Exit status: 0 found, 1 nothing matches, 2 usage error.\n";
 
 }  // namespace
 

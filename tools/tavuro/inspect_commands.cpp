@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli.h"
+#include "platform/Json.h"
 
 namespace tavuro::tool {
 namespace {
@@ -19,11 +20,14 @@ std::int64_t nowSeconds() {
 }
 
 const char kJwtHelp[] =
-    "usage: tavuro jwt TOKEN [--json]\n\n"
+    "usage: tavuro jwt TOKEN|- [--json]\n"
+    "       tavuro jwt --token-file FILE [--json]\n\n"
     "Decodes the payload of a JSON Web Token as the library does (the signature\n"
     "is not checked) and shows its claims, the expiry from \"exp\" in UTC and\n"
-    "local time, and whether the token is valid now. Exit status 1 when the text\n"
-    "is not a token or has no usable \"exp\" (the store would refuse it).\n";
+    "local time, and whether the token is valid now. Give \"-\" to read the token\n"
+    "from standard input, or --token-file, to keep it off the command line.\n\n"
+    "Exit status: 0 the token is valid now, 1 it is expired, has no usable \"exp\"\n"
+    "or is not a token (the credential store would refuse it), 2 usage error.\n";
 
 struct TokenReport {
   JsonDictionary claims;
@@ -98,24 +102,33 @@ void printTokenJson(const TokenReport& report) {
 }
 
 const char kHeaderHelp[] =
-    "usage: tavuro header [--resources DIR] [--token TOKEN]\n\n"
+    "usage: tavuro header [--resources DIR] [--token TOKEN|- | --token-file FILE] [--json]\n\n"
     "Prints the Authorization value that a request would carry now: Bearer while\n"
-    "a token is stored (--token stores one first, as setToken does), else Basic\n"
-    "from the configuration's user name and password. Exit status 1 when there\n"
-    "is none (no token, and user name or password absent).\n";
+    "a token is stored (--token stores one first, as setToken does; \"-\" reads it\n"
+    "from standard input), else Basic from the configuration's user name and\n"
+    "password.\n\n"
+    "Exit status: 0 a value is printed, 1 there is none (no token, and user name\n"
+    "or password absent) or the given token was refused, 2 usage error.\n";
 
 const char kDateHelp[] =
-    "usage: tavuro date FIELD\n\n"
-    "Converts a date field such as /Date(1234567890000)/ to MM-dd-yyyy in GMT.\n"
-    "A field that is not a plain millisecond count comes back unchanged.\n";
+    "usage: tavuro date FIELD [--json]\n\n"
+    "Converts a date field such as /Date(1234567890000)/ to MM-dd-yyyy in GMT, as\n"
+    "Utils::dateFieldToDateString does: the Julian calendar before 1582-10-15,\n"
+    "the Gregorian one from then on, the year of era with at least four digits.\n"
+    "A field that is not a plain millisecond count (\"hello\", \"\", a field with a\n"
+    "zone offset) comes back unchanged; it is printed as the library returns it.\n\n"
+    "Exit status: 0 converted, 1 returned unchanged, 2 usage error.\n";
 
 const char kJsonHelp[] =
-    "usage: tavuro json FILE KEY [--as int|double|string|bool|object|array]\n\n"
-    "Reads FILE as a JSON object and prints the value under KEY. With --as the\n"
-    "value goes through the library's typed getter of that kind, which gives\n"
-    "its default (0, 0, empty, false, nothing) for a missing key, a null or a\n"
-    "value of another kind. Exit status 1 when FILE is not a JSON object or\n"
-    "there is no value to print.\n";
+    "usage: tavuro json FILE|- KEY [--as int|double|string|bool|object|array] [--json]\n\n"
+    "Reads FILE (\"-\": standard input) as a JSON object and prints the value under\n"
+    "KEY. With --as the value goes through the library's typed getter of that\n"
+    "kind, which gives its default (0, 0, empty, false, nothing) for a missing\n"
+    "key, a null or a value of another kind. A text that is not JSON is reported\n"
+    "on standard error with the reader's own description. --json prints the\n"
+    "result as JSON (a string quoted).\n\n"
+    "Exit status: 0 a value is printed, 1 FILE is not JSON, not a JSON object or\n"
+    "has no value to print, 2 usage error.\n";
 
 const char* const kKinds[] = {"int", "double", "string", "bool", "object", "array"};
 
@@ -143,24 +156,33 @@ std::optional<std::string> readTyped(const std::optional<JsonDictionary>& dictio
 }  // namespace
 
 int runJwt(const std::vector<std::string>& words) {
-  const Arguments arguments = parseArguments(words, {{"--json"}, {}, 1, 1});
+  const Arguments arguments = parseArguments(words, {{"--json"}, {"--token-file"}, 0, 1});
   if (arguments.has("--help")) return showHelp(kJwtHelp);
-  const TokenReport report = decodeToken(arguments.positional[0]);
+  const std::string token = secretArgument(
+      arguments,
+      arguments.positional.empty() ? std::nullopt : std::optional(arguments.positional[0]),
+      "--token-file");
+  const TokenReport report = decodeToken(token);
   if (arguments.has("--json")) {
     printTokenJson(report);
   } else {
     printTokenText(report);
   }
-  return report.token ? kOk : kFailed;
+  return report.token && report.token->isValid() ? kOk : kFailed;
 }
 
 int runHeader(const std::vector<std::string>& words) {
-  const Arguments arguments = parseArguments(words, {{}, {"--resources", "--token"}, 0, 0});
+  const Arguments arguments =
+      parseArguments(words, {{"--json"}, {"--resources", "--token", "--token-file"}, 0, 0});
   if (arguments.has("--help")) return showHelp(kHeaderHelp);
   applyResourceOption(arguments);
-  if (const auto token = arguments.option("--token")) {
-    decodeToken(*token);  // refuses a text without "." before the store sees it
-    if (!Credential::setToken(*token)) {
+  bool refused = false;
+  if (arguments.has("--token") || arguments.has("--token-file")) {
+    const std::string token =
+        secretArgument(arguments, arguments.option("--token"), "--token-file");
+    decodeToken(token);  // refuses a text without "." before the store sees it
+    refused = !Credential::setToken(token);
+    if (refused) {
       std::fprintf(stderr,
                    "tavuro header: the store refused the token (expired or no usable "
                    "\"exp\"); it is not used\n");
@@ -173,19 +195,40 @@ int runHeader(const std::vector<std::string>& words) {
                  "user name or password is absent\n");
     return kFailed;
   }
-  std::printf("%s\n", header->c_str());
-  return kOk;
+  if (arguments.has("--json")) {
+    std::printf("{\"authorization\":%s,\"tokenRefused\":%s}\n", jsonQuote(*header).c_str(),
+                refused ? "true" : "false");
+  } else {
+    std::printf("%s\n", header->c_str());
+  }
+  return refused ? kFailed : kOk;
 }
 
 int runDate(const std::vector<std::string>& words) {
-  const Arguments arguments = parseArguments(words, {{}, {}, 1, 1});
+  const Arguments arguments = parseArguments(words, {{"--json"}, {}, 1, 1});
   if (arguments.has("--help")) return showHelp(kDateHelp);
-  std::printf("%s\n", Utils::dateFieldToDateString(arguments.positional[0])->c_str());
-  return kOk;
+  const std::string& field = arguments.positional[0];
+  const std::string result = *Utils::dateFieldToDateString(field);
+  // A converted date always has "-" between digits, which no field that
+  // converts can have, so an equal text is one that was not converted.
+  const bool converted = result != field;
+  if (arguments.has("--json")) {
+    std::printf("{\"field\":%s,\"converted\":%s,\"result\":%s}\n", jsonQuote(field).c_str(),
+                converted ? "true" : "false", jsonQuote(result).c_str());
+  } else {
+    std::printf("%s\n", result.c_str());
+  }
+  if (!converted) {
+    std::fprintf(stderr,
+                 "tavuro date: '%s' is not a plain millisecond count; the library returns it "
+                 "unchanged\n",
+                 field.c_str());
+  }
+  return converted ? kOk : kFailed;
 }
 
 int runJson(const std::vector<std::string>& words) {
-  const Arguments arguments = parseArguments(words, {{}, {"--as"}, 2, 2});
+  const Arguments arguments = parseArguments(words, {{"--json"}, {"--as"}, 2, 2});
   if (arguments.has("--help")) return showHelp(kJsonHelp);
   const std::string& path = arguments.positional[0];
   const std::string& key = arguments.positional[1];
@@ -193,18 +236,27 @@ int runJson(const std::vector<std::string>& words) {
   if (kind && !isKind(*kind)) {
     throw UsageError("--as takes int, double, string, bool, object or array");
   }
-  const std::optional<std::string> text = readFile(path);
-  if (!text) throw std::runtime_error("cannot read " + path);
-  // On a parse error the library itself prints the reader's message.
-  const std::optional<JsonDictionary> answer = Utils::convertToDictionary(text);
-  if (!answer) throw std::runtime_error(path + " does not hold a JSON object");
+  const std::string text = path == "-" ? readSecret("-") : readInputFile(path);
+  // The library's own reader, for its description of what is wrong; the
+  // library then sees a text it reads without a word.
+  const platform::JsonParseResult parsed = platform::parseJson(text);
+  if (!parsed.document) {
+    throw std::runtime_error(path + " is not JSON: " + parsed.errorDescription);
+  }
+  std::optional<JsonDictionary> answer;
+  {
+    const LibraryOutputToStderr quiet;
+    answer = Utils::convertToDictionary(text);
+  }
+  if (!answer) throw std::runtime_error(path + " holds a JSON array, not an object");
+  const bool json = arguments.has("--json");
   if (kind) {
     const std::optional<std::string> typed = readTyped(answer, key, *kind);
     if (!typed) {
       std::fprintf(stderr, "tavuro json: no %s under \"%s\"\n", kind->c_str(), key.c_str());
       return kFailed;
     }
-    std::printf("%s\n", typed->c_str());
+    std::printf("%s\n", json && *kind == "string" ? jsonQuote(*typed).c_str() : typed->c_str());
     return kOk;
   }
   const std::optional<JsonValue> value = answer->find(key);

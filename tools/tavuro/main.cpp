@@ -31,46 +31,75 @@ const Command kCommands[] = {
 };
 
 void printUsage(std::FILE* out) {
-  std::fprintf(out, "usage: tavuro COMMAND [ARGUMENTS] (tavuro COMMAND --help for more)\n\n");
+  std::fprintf(out,
+               "usage: tavuro COMMAND [ARGUMENTS]\n"
+               "       tavuro help COMMAND | tavuro COMMAND --help | tavuro --version\n\n"
+               "Looks into what TavuroCommon does with a host's configuration, tokens, error\n"
+               "codes, date fields and JSON answers.\n\nCommands:\n");
   for (const Command& command : kCommands) {
     std::fprintf(out, "  %-8s %s\n", command.name, command.summary);
   }
   std::fprintf(out,
-               "\nExit status: 0 success, 1 failure or problem found, 2 usage error.\n"
-               "TavuroCommon %s\n",
-               tavuro::kVersion);
+               "\nOptions take their value as --option VALUE or --option=VALUE; \"--\" ends\n"
+               "the options. Commands that print data take --json. Secrets (passwords,\n"
+               "tokens) are read from standard input when given as \"-\", or from a file.\n\n"
+               "Exit status: 0 the good answer, 1 the answer \"no\" or a failure, 2 usage\n"
+               "error; each command's help says which answer is which.\n");
+}
+
+const Command* findCommand(const std::string& name) {
+  for (const Command& command : kCommands) {
+    if (name == command.name) return &command;
+  }
+  return nullptr;
+}
+
+int runCommand(const Command& command, const std::vector<std::string>& words) {
+  try {
+    return command.run(words);
+  } catch (const tavuro::tool::UsageError& error) {
+    std::fprintf(stderr, "tavuro %s: %s (see tavuro %s --help)\n", command.name, error.what(),
+                 command.name);
+    return kUsage;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tavuro %s: %s\n", command.name, error.what());
+    return kFailed;
+  }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> words(argv + 1, argv + argc);
+  std::vector<std::string> words(argv + 1, argv + argc);
   if (words.empty()) {
     printUsage(stderr);
     return kUsage;
   }
-  if (words[0] == "--help" || words[0] == "help") {
+  const std::string& first = words[0];
+  if (first == "--help" || first == "-h" || (first == "help" && words.size() == 1)) {
     printUsage(stdout);
     return kOk;
   }
-  if (words[0] == "--version") {
-    std::printf("tavuro %s\n", tavuro::kVersion);
+  if (first == "--version" || first == "-V") {
+    std::printf("tavuro (TavuroCommon) %s\n", tavuro::kVersion);
     return kOk;
   }
-  for (const Command& command : kCommands) {
-    if (words[0] != command.name) continue;
-    try {
-      return command.run(std::vector<std::string>(words.begin() + 1, words.end()));
-    } catch (const tavuro::tool::UsageError& error) {
-      std::fprintf(stderr, "tavuro %s: %s (see tavuro %s --help)\n", command.name, error.what(),
-                   command.name);
+  if (first == "help") {
+    const Command* command = findCommand(words[1]);
+    if (command == nullptr || words.size() > 3 || (words.size() == 3 && words[1] != "config")) {
+      std::fprintf(stderr, "tavuro help: no command '%s' (see tavuro --help)\n", words[1].c_str());
       return kUsage;
-    } catch (const std::exception& error) {
-      std::fprintf(stderr, "tavuro %s: %s\n", command.name, error.what());
-      return kFailed;
     }
+    // "help config set" is "config set --help".
+    std::vector<std::string> rest(words.begin() + 2, words.end());
+    rest.emplace_back("--help");
+    return runCommand(*command, rest);
   }
-  std::fprintf(stderr, "tavuro: unknown command '%s'\n\n", words[0].c_str());
-  printUsage(stderr);
-  return kUsage;
+  const Command* command = findCommand(first);
+  if (command == nullptr) {
+    std::fprintf(stderr, "tavuro: unknown command '%s'\n\n", first.c_str());
+    printUsage(stderr);
+    return kUsage;
+  }
+  return runCommand(*command, std::vector<std::string>(words.begin() + 1, words.end()));
 }
