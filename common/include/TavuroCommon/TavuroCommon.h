@@ -20,25 +20,41 @@
 //    out as `std::shared_ptr` and live as long as anyone holds them.
 //  * The library writes nothing to the standard streams except the single line
 //    that `Utils::convertToDictionary` prints when a text is not valid JSON.
+//
+// The header needs C++17 or later.
 
 #ifndef TAVUROCOMMON_TAVUROCOMMON_H_
 #define TAVUROCOMMON_TAVUROCOMMON_H_
+
+#if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) < 201703L
+#error "TavuroCommon needs C++17 or later: compile with -std=c++17 or /std:c++17"
+#endif
+
+/// The library's version as numbers, for tests in the preprocessor; the
+/// same as `kVersion` and the CMake package's version. A host built against
+/// one major version links any later minor version of it.
+#define TAVURO_VERSION_MAJOR 11
+#define TAVURO_VERSION_MINOR 4
+#define TAVURO_VERSION_PATCH 10
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "TavuroCommon/TavuroExport.h"
 
 namespace tavuro {
 
-/// The kit's version text, also the initial value of `Utils::SDK_VERSION_CODE()`.
+/// The kit's version text, also the initial value of `Utils::SDK_VERSION_CODE()`;
+/// TAVURO_VERSION_MAJOR, _MINOR and _PATCH as one text.
 inline constexpr char kVersion[] = "11.4.10";
 
 /// An absolute point in time: double-precision seconds since
@@ -472,11 +488,20 @@ namespace detail {
 struct JsonDocument;
 struct JsonNode;
 struct JsonAccess;
+template <typename Container, typename Item>
+class JsonIterator;
 }  // namespace detail
 
 /// One decoded JSON value: null, boolean, number, text, array or dictionary.
 /// Numbers remember whether they were read as a signed integer, an unsigned
 /// integer or a floating-point number.
+///
+/// What the reader accepts (`Utils::convertToDictionary`): RFC 8259 JSON in
+/// UTF-8, UTF-16 or UTF-32 (detected), with an object or an array at the top
+/// level only (a bare number, text or literal there is an error), at most
+/// 512 levels of nested arrays and objects, and numbers within a double's
+/// range (a number beyond it, such as 1e400, makes the whole text invalid).
+/// Of repeated keys the first is kept.
 ///
 /// Values are immutable and share the document they came from: copying one
 /// is cheap, and it keeps that document alive. A document holds a copy of
@@ -539,6 +564,13 @@ class TAVURO_EXPORT JsonArray {
   /// The element at `index`; a null value when `index` is out of range.
   [[nodiscard]] JsonValue operator[](std::size_t index) const noexcept;
 
+  /// Iteration in order, for `for (const JsonValue& value : array)`. The
+  /// iterator yields values by copy and keeps the document alive, so it
+  /// stays valid after the array object it came from is gone.
+  using const_iterator = detail::JsonIterator<JsonArray, JsonValue>;
+  [[nodiscard]] const_iterator begin() const noexcept;
+  [[nodiscard]] const_iterator end() const noexcept;
+
  private:
   friend class JsonValue;
   friend struct detail::JsonAccess;
@@ -570,6 +602,20 @@ class TAVURO_EXPORT JsonDictionary {
   /// The value at `index`; a null value when `index` is out of range.
   [[nodiscard]] JsonValue valueAt(std::size_t index) const noexcept;
 
+  /// One entry, as iteration yields it. `key` is valid while any value of
+  /// the same document lives (`value` is one).
+  struct Entry {
+    std::string_view key;
+    JsonValue value;
+  };
+  /// Iteration in the order of the text, for
+  /// `for (const auto& [key, value] : dictionary)`. The iterator yields
+  /// entries by copy and keeps the document alive, so it stays valid after
+  /// the dictionary object it came from is gone.
+  using const_iterator = detail::JsonIterator<JsonDictionary, Entry>;
+  [[nodiscard]] const_iterator begin() const noexcept;
+  [[nodiscard]] const_iterator end() const noexcept;
+
  private:
   friend class JsonValue;
   friend struct detail::JsonAccess;
@@ -579,6 +625,67 @@ class TAVURO_EXPORT JsonDictionary {
   std::shared_ptr<const detail::JsonDocument> document_;
   const detail::JsonNode* node_ = nullptr;
 };
+
+namespace detail {
+inline JsonValue jsonItemAt(const JsonArray& array, std::size_t index) noexcept {
+  return array[index];
+}
+inline JsonDictionary::Entry jsonItemAt(const JsonDictionary& dictionary,
+                                        std::size_t index) noexcept {
+  return {dictionary.keyAt(index), dictionary.valueAt(index)};
+}
+
+// The iterator of both containers: a copy of the container, which shares
+// its document, and an index into it. Iterators are equal at the same index;
+// compare only iterators of one container.
+template <typename Container, typename Item>
+class JsonIterator {
+ public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = Item;
+  using difference_type = std::ptrdiff_t;
+  using pointer = void;
+  using reference = Item;
+
+  JsonIterator() noexcept = default;
+  JsonIterator(Container container, std::size_t index) noexcept
+      : container_(std::move(container)), index_(index) {}
+
+  [[nodiscard]] Item operator*() const noexcept { return jsonItemAt(container_, index_); }
+  JsonIterator& operator++() noexcept {
+    ++index_;
+    return *this;
+  }
+  JsonIterator operator++(int) noexcept {
+    JsonIterator before = *this;
+    ++index_;
+    return before;
+  }
+  [[nodiscard]] friend bool operator==(const JsonIterator& a, const JsonIterator& b) noexcept {
+    return a.index_ == b.index_;
+  }
+  [[nodiscard]] friend bool operator!=(const JsonIterator& a, const JsonIterator& b) noexcept {
+    return a.index_ != b.index_;
+  }
+
+ private:
+  Container container_;
+  std::size_t index_ = 0;
+};
+}  // namespace detail
+
+inline JsonArray::const_iterator JsonArray::begin() const noexcept {
+  return const_iterator(*this, 0);
+}
+inline JsonArray::const_iterator JsonArray::end() const noexcept {
+  return const_iterator(*this, size());
+}
+inline JsonDictionary::const_iterator JsonDictionary::begin() const noexcept {
+  return const_iterator(*this, 0);
+}
+inline JsonDictionary::const_iterator JsonDictionary::end() const noexcept {
+  return const_iterator(*this, size());
+}
 
 // ===========================================================================
 // Utilities and shared settings
@@ -598,7 +705,8 @@ class TAVURO_EXPORT Utils {
   /// level is an object; absent when `text` is absent or the top level is an
   /// array (silently). When the text is not valid JSON, prints the reader's
   /// one-line error description followed by "\n" to standard output and
-  /// returns absent.
+  /// returns absent. What the reader accepts (nesting, top level, numbers)
+  /// is described at `JsonValue`.
   [[nodiscard]] static std::optional<JsonDictionary> convertToDictionary(
       const std::optional<std::string>& text);
 
@@ -629,6 +737,12 @@ class TAVURO_EXPORT Utils {
   /// truncated toward zero to whole seconds. Anything else comes back
   /// unchanged. An absent argument ends the process (see the top of this
   /// header).
+  ///
+  /// The calendar is the Julian one before 1582-10-15 and the Gregorian one
+  /// from then on, so /Date(-12219292801000)/ gives "10-04-1582". The year is
+  /// the year of era with at least four digits ("0044" for 44 BC, which has
+  /// no era mark). Instants are shown from 09-20-5838270 BC to 12-20-5828963;
+  /// one beyond either end is shown as that end.
   [[nodiscard]] static std::optional<std::string> dateFieldToDateString(
       const std::optional<std::string>& dateStr);
 

@@ -1,6 +1,7 @@
 // A C++ host of the installed library. Besides calling it, it derives from
 // each class a host may extend, so that the link needs the vtables and type
 // information of the library's polymorphic classes.
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -54,6 +55,23 @@ int main() {
   const std::unique_ptr<tavuro::TavuroJwtParser> parser = std::make_unique<HostParser>();
   const auto token = parser->parseToken("not.a-token");
   ok = ok && token && token->isValid() && token->value() == "not.a-token";
+
+  // Range-for over both containers, also straight off a temporary.
+  const auto answer =
+      tavuro::Utils::convertToDictionary(std::string(R"({"a": [1, 2, 3], "b": 4})"));
+  std::int64_t sum = 0;
+  std::string keys;
+  for (const auto& [key, value] : *answer) {
+    keys += key;
+    sum += value.int64Value().value_or(0);
+  }
+  for (const tavuro::JsonValue& value : *tavuro::Utils::getArrayValue(answer, "a")) {
+    sum += *value.int64Value();
+  }
+  ok = ok && keys == "ab" && sum == 10 &&
+       std::to_string(TAVURO_VERSION_MAJOR) + "." + std::to_string(TAVURO_VERSION_MINOR) + "." +
+               std::to_string(TAVURO_VERSION_PATCH) ==
+           tavuro::kVersion;
 
   std::printf("consumer: %s\n", ok ? "linked and working" : "WRONG RESULTS");
   return ok ? 0 : 1;
