@@ -7,7 +7,7 @@ say() { printf '\n==> %s\n' "$*"; }
 # them is missing, so a prepared machine pays nothing.
 TAVURO_PACKAGES=(
   cmake ninja-build g++ clang libclang-rt-14-dev pkg-config python3
-  clang-format-14 clang-tidy-14
+  clang-format-14 clang-tidy-14 help2man
   googletest libgtest-dev libbenchmark-dev
   rapidjson-dev libsimdjson-dev nlohmann-json3-dev libicu-dev
 )
