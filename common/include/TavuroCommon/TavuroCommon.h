@@ -656,7 +656,8 @@ class JsonIterator {
     ++index_;
     return *this;
   }
-  JsonIterator operator++(int) noexcept {
+  // A mutable copy, as the standard iterators return it.
+  JsonIterator operator++(int) noexcept {  // NOLINT(cert-dcl21-cpp)
     JsonIterator before = *this;
     ++index_;
     return before;
