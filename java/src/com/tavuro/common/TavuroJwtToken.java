@@ -1,0 +1,90 @@
+package com.tavuro.common;
+
+import java.lang.ref.Reference;
+import java.time.Instant;
+import java.util.Objects;
+
+/**
+ * An immutable session token: its text and the instant it expires. Safe to read from any thread.
+ */
+public class TavuroJwtToken {
+  // BEGIN generated from interface/TavuroCommon.json: members
+  static {
+    NativeLibrary.load();
+  }
+
+  /** The native object; never 0. */
+  final long handle;
+
+  /** Takes over one reference to a native object, which the cleaner gives back. */
+  TavuroJwtToken(long handle, boolean owned) {
+    this.handle = handle;
+    NativeLibrary.CLEANER.register(this, new Release(handle));
+  }
+
+  /** The object over a reference that the caller hands over, or null for 0. */
+  @Nullable
+  static TavuroJwtToken wrap(long handle) {
+    return handle == 0 ? null : new TavuroJwtToken(handle, true);
+  }
+
+  private static final class Release implements Runnable {
+    private final long handle;
+
+    Release(long handle) {
+      this.handle = handle;
+    }
+
+    @Override
+    public void run() {
+      nRelease(handle);
+    }
+  }
+
+  private static native void nRelease(long handle);
+
+  /** A token record holding a copy of `value` and `expiration` (seconds since 1970-01-01T00:00:00
+   * UTC); null when `value` is null. */
+  public TavuroJwtToken(@Nullable String value, @Nullable Instant expiration) {
+    Objects.requireNonNull(value, "value");
+    Objects.requireNonNull(expiration, "expiration");
+    handle = nInitWithValueExpiration(value, NativeLibrary.seconds(expiration));
+    if (handle == 0) {
+      throw new OutOfMemoryError("no memory for a TavuroJwtToken");
+    }
+    NativeLibrary.CLEANER.register(this, new Release(handle));
+  }
+
+  /** The value. */
+  public final @Nullable String getValue() {
+    try {
+      return nValue(handle);
+    } finally {
+      Reference.reachabilityFence(this);
+    }
+  }
+
+  /** Seconds since 1970-01-01T00:00:00 UTC; 0 for null. */
+  public final @Nullable Instant getExpiration() {
+    try {
+      return NativeLibrary.instant(nExpiration(handle));
+    } finally {
+      Reference.reachabilityFence(this);
+    }
+  }
+
+  /** True while now is strictly before the expiration; false for null. */
+  public boolean isValid() {
+    try {
+      return nIsValid(handle);
+    } finally {
+      Reference.reachabilityFence(this);
+    }
+  }
+
+  private static native long nInitWithValueExpiration(String value, double expiration);
+  private static native String nValue(long handle);
+  private static native double nExpiration(long handle);
+  private static native boolean nIsValid(long handle);
+  // END generated: members
+}
