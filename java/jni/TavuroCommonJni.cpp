@@ -188,11 +188,23 @@ enum Tag : unsigned char {
   kUnsigned = 5,
   kString = 6,
   kArray = 7,
-  kObject = 8
+  kObject = 8,
+  kAsciiString = 9
 };
 
+// Writes a dictionary in the compact form. Keys are written once and then
+// referred to by number, so that Java makes one String per distinct key; the
+// table that finds them is open-addressed and never allocates per key.
 class TreeWriter {
  public:
+  // `expected`: about how many bytes the text had; it sizes the output and the
+  // key table (one slot per 16 bytes of text, 64 to 4096 slots).
+  explicit TreeWriter(std::size_t expected) {
+    out_.reserve(expected);
+    while (mask_ < 4095 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
+    slots_.resize(mask_ + 1);
+  }
+
   void object(const tavuro::JsonDictionary& dictionary) {
     out_.push_back(static_cast<char>(kObject));
     const std::size_t n = dictionary.size();
@@ -206,49 +218,46 @@ class TreeWriter {
   [[nodiscard]] const std::string& bytes() const { return out_; }
 
  private:
+  struct Slot {
+    const char* data = nullptr;
+    std::size_t size = 0;
+    std::size_t number = 0;  // 0: empty
+  };
+
   void value(const tavuro::JsonValue& v) {
     switch (v.kind()) {
       case tavuro::JsonValue::Kind::Null: out_.push_back(static_cast<char>(kNull)); return;
       case tavuro::JsonValue::Kind::Boolean:
-        out_.push_back(static_cast<char>(v.boolValue().value_or(false) ? kTrue : kFalse));
+        out_.push_back(static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
         return;
       case tavuro::JsonValue::Kind::Number: number(v); return;
-      case tavuro::JsonValue::Kind::String: {
-        const std::string_view text = v.stringValue().value_or(std::string_view());
-        out_.push_back(static_cast<char>(kString));
-        text_(text);
-        return;
-      }
+      case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
       case tavuro::JsonValue::Kind::Array: {
-        const tavuro::JsonArray array = v.arrayValue().value_or(tavuro::JsonArray());
+        const std::optional<tavuro::JsonArray> array = v.arrayValue();
         out_.push_back(static_cast<char>(kArray));
-        const std::size_t n = array.size();
+        const std::size_t n = array->size();
         unsigned64(n);
-        for (std::size_t i = 0; i < n; ++i) value(array[i]);
+        for (std::size_t i = 0; i < n; ++i) value((*array)[i]);
         return;
       }
-      case tavuro::JsonValue::Kind::Object:
-        object(v.dictionaryValue().value_or(tavuro::JsonDictionary()));
-        return;
+      case tavuro::JsonValue::Kind::Object: object(*v.dictionaryValue()); return;
     }
   }
 
   void number(const tavuro::JsonValue& v) {
-    switch (v.numberKind().value_or(tavuro::JsonValue::NumberKind::Double)) {
+    switch (*v.numberKind()) {
       case tavuro::JsonValue::NumberKind::Int64: {
-        const std::int64_t i = v.int64Value().value_or(0);
+        const std::int64_t i = *v.int64Value();
         out_.push_back(static_cast<char>(kInt));
         unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
         return;
       }
-      case tavuro::JsonValue::NumberKind::UInt64: {
-        const std::uint64_t u = v.uint64Value().value_or(0);
+      case tavuro::JsonValue::NumberKind::UInt64:
         out_.push_back(static_cast<char>(kUnsigned));
-        fixed(u);
+        fixed(*v.uint64Value());
         return;
-      }
       case tavuro::JsonValue::NumberKind::Double: {
-        const double d = v.doubleValue().value_or(0.0);
+        const double d = *v.doubleValue();
         std::uint64_t bits = 0;
         std::memcpy(&bits, &d, sizeof bits);
         out_.push_back(static_cast<char>(kDouble));
@@ -258,15 +267,46 @@ class TreeWriter {
     }
   }
 
-  void key(std::string_view key) {
-    const auto [entry, added] = keys_.try_emplace(key, keys_.size() + 1);
-    unsigned64(added ? 0 : entry->second);
-    if (added) text_(key);
+  static bool ascii(std::string_view text) {
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, 8);
+      if ((word & 0x8080808080808080ULL) != 0) return false;
+    }
+    for (; i < text.size(); ++i) {
+      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
+    }
+    return true;
   }
 
-  void text_(std::string_view text) {
+  void string(std::string_view text) {
+    out_.push_back(static_cast<char>(ascii(text) ? kAsciiString : kString));
     unsigned64(text.size());
     out_.append(text.data(), text.size());
+  }
+
+  void key(std::string_view key) {
+    std::uint64_t hash = 1469598103934665603ULL ^ key.size();
+    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    Slot* empty = nullptr;
+    for (std::size_t i = hash & mask_, probes = 0; probes < 16; i = (i + 1) & mask_, ++probes) {
+      Slot& slot = slots_[i];
+      if (slot.number == 0) {
+        empty = &slot;
+        break;
+      }
+      if (slot.size == key.size() && std::memcmp(slot.data, key.data(), key.size()) == 0) {
+        unsigned64(slot.number);
+        return;
+      }
+    }
+    // Announced with 0: Java numbers every announced key, in order, whether
+    // or not the table here had room to remember it.
+    unsigned64(0);
+    string(key);
+    ++announced_;
+    if (empty != nullptr && announced_ <= mask_ / 2) *empty = {key.data(), key.size(), announced_};
   }
 
   void fixed(std::uint64_t v) {
@@ -287,20 +327,105 @@ class TreeWriter {
   }
 
   std::string out_;
-  std::unordered_map<std::string_view, std::size_t> keys_;
+  std::size_t mask_ = 63;
+  std::vector<Slot> slots_;
+  std::size_t announced_ = 0;
 };
 
 // The compact form of a dictionary as a Java byte array; nullptr for none.
-jbyteArray encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary) {
+jbyteArray encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
+                      std::size_t expected = 256) {
   if (!dictionary) return nullptr;
   try {
-    TreeWriter writer;
+    TreeWriter writer(expected);
     writer.object(*dictionary);
     return newBytes(env, writer.bytes().data(), writer.bytes().size());
   } catch (const std::bad_alloc&) {
     throwOutOfMemory(env);
     return nullptr;
   }
+}
+
+// Number of UTF-8 bytes of `n` UTF-16 units; -1 when a surrogate is unpaired.
+std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
+  std::size_t bytes = 0;
+  std::size_t i = 0;
+  while (i < n) {
+    // Four ASCII units at a time: the common case of JSON text.
+    if (i + 4 <= n && (units[i] | units[i + 1] | units[i + 2] | units[i + 3]) < 0x80) {
+      bytes += 4;
+      i += 4;
+      continue;
+    }
+    const jchar c = units[i++];
+    if (c < 0x80) {
+      bytes += 1;
+    } else if (c < 0x800) {
+      bytes += 2;
+    } else if (c < 0xD800 || c > 0xDFFF) {
+      bytes += 3;
+    } else if (c <= 0xDBFF && i < n && units[i] >= 0xDC00 && units[i] <= 0xDFFF) {
+      bytes += 4;
+      ++i;
+    } else {
+      return -1;
+    }
+  }
+  return static_cast<std::ptrdiff_t>(bytes);
+}
+
+// Writes the UTF-8 of `n` units that utf8Length accepted into `out`.
+void writeUtf8(const jchar* units, std::size_t n, char* out) {
+  std::size_t i = 0;
+  while (i < n) {
+    if (i + 4 <= n && (units[i] | units[i + 1] | units[i + 2] | units[i + 3]) < 0x80) {
+      out[0] = static_cast<char>(units[i]);
+      out[1] = static_cast<char>(units[i + 1]);
+      out[2] = static_cast<char>(units[i + 2]);
+      out[3] = static_cast<char>(units[i + 3]);
+      out += 4;
+      i += 4;
+      continue;
+    }
+    std::uint32_t c = units[i++];
+    if (c >= 0xD800 && c <= 0xDBFF) c = 0x10000 + ((c - 0xD800) << 10) + (units[i++] - 0xDC00u);
+    if (c < 0x80) {
+      *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+      *out++ = static_cast<char>(0xC0 | (c >> 6));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      *out++ = static_cast<char>(0xE0 | (c >> 12));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      *out++ = static_cast<char>(0xF0 | (c >> 18));
+      *out++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+}
+
+// The exact UTF-8 of a Java string; nothing when it holds an unpaired
+// surrogate, which UTF-8 cannot carry. Reads the characters in place.
+std::optional<std::string> exactUtf8(JNIEnv* env, jstring text) {
+  const auto n = static_cast<std::size_t>(env->GetStringLength(text));
+  const jchar* units = env->GetStringCritical(text, nullptr);
+  if (units == nullptr) return std::nullopt;  // OutOfMemoryError pending
+  std::optional<std::string> utf8;
+  try {
+    const std::ptrdiff_t length = utf8Length(units, n);
+    if (length >= 0) {
+      utf8.emplace(static_cast<std::size_t>(length), '\0');
+      writeUtf8(units, n, utf8->data());
+    }
+  } catch (const std::bad_alloc&) {
+    env->ReleaseStringCritical(text, units);
+    throw;
+  }
+  env->ReleaseStringCritical(text, units);
+  return utf8;
 }
 
 std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
@@ -453,12 +578,16 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // JSON
 // ---------------------------------------------------------------------------
 
+// The compact tree of a JSON text; null for a text that has no exact UTF-8 and
+// whatever convertToDictionary gives none for. The compact form is about as
+// long as the text, so the writer reserves that much.
 extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
-    JNIEnv* env, jclass /*unused*/, jbyteArray utf8) {
+    JNIEnv* env, jclass /*unused*/, jstring text) {
   try {
-    std::optional<std::string> text = tavuro_jni::bytesArgument(env, utf8);
-    if (!text) return nullptr;
-    return tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(text));
+    const std::optional<std::string> utf8 = tavuro_jni::exactUtf8(env, text);
+    if (!utf8) return nullptr;
+    return tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8),
+                                  utf8->size() + 64);
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;

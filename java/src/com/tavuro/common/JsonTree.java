@@ -14,8 +14,9 @@ import java.util.Map;
  * Turns the compact form in which native code hands over a whole decoded JSON tree into maps and
  * lists, in one pass. The form, written by java/jni/TavuroCommonJni.cpp: each value is a tag byte
  * and its payload; counts and lengths are unsigned LEB128; integers zigzag LEB128; doubles and
- * unsigned integers 8 bytes little-endian; a key is 0 followed by its length and UTF-8 bytes the
- * first time it occurs, and then its position in the order of first occurrence plus one.
+ * unsigned integers 8 bytes little-endian; a key is 0 followed by a string value the first time
+ * it occurs, and later its number in the order of those first
+ * occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own.
  */
 final class JsonTree {
   static final int NULL = 0;
@@ -27,6 +28,7 @@ final class JsonTree {
   static final int STRING = 6;
   static final int ARRAY = 7;
   static final int OBJECT = 8;
+  static final int ASCII_STRING = 9;
 
   private static final VarHandle LONG_LE =
       MethodHandles.byteArrayViewVarHandle(long[].class, ByteOrder.LITTLE_ENDIAN);
@@ -67,6 +69,8 @@ final class JsonTree {
         return new BigInteger(Long.toUnsignedString(fixed()));
       case STRING:
         return string();
+      case ASCII_STRING:
+        return asciiString();
       case ARRAY:
         return array();
       case OBJECT:
@@ -100,7 +104,7 @@ final class JsonTree {
     if (index > 0) {
       return keys[index - 1];
     }
-    String key = string();
+    String key = (String) value();
     if (keyCount == keys.length) {
       keys = java.util.Arrays.copyOf(keys, keyCount * 2);
     }
@@ -111,6 +115,14 @@ final class JsonTree {
   private String string() {
     int length = (int) unsigned();
     String s = new String(bytes, pos, length, StandardCharsets.UTF_8);
+    pos += length;
+    return s;
+  }
+
+  @SuppressWarnings("deprecation") // the one constructor that copies bytes as Latin-1 directly
+  private String asciiString() {
+    int length = (int) unsigned();
+    String s = new String(bytes, 0, pos, length);
     pos += length;
     return s;
   }

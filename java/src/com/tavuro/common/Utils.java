@@ -2,7 +2,6 @@ package com.tavuro.common;
 
 import java.math.BigDecimal;
 import java.math.BigInteger;
-import java.nio.charset.StandardCharsets;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
@@ -36,10 +35,7 @@ public final class Utils {
    */
   @Nullable
   public static Map<String, Object> convertToDictionary(@Nullable String text) {
-    if (text == null || !encodable(text)) {
-      return null;
-    }
-    return JsonTree.decodeObject(nConvertToDictionary(text.getBytes(StandardCharsets.UTF_8)));
+    return text == null ? null : JsonTree.decodeObject(nConvertToDictionary(text));
   }
 
   /** The number under {@code key} when it is exactly a 64-bit integer; 0 otherwise. */
@@ -145,23 +141,7 @@ public final class Utils {
     return number.doubleValue();
   }
 
-  // True when the text has no lone surrogate, so that its UTF-8 form is exact.
-  private static boolean encodable(String text) {
-    int n = text.length();
-    for (int i = 0; i < n; i++) {
-      char c = text.charAt(i);
-      if (Character.isSurrogate(c)) {
-        if (Character.isHighSurrogate(c) && i + 1 < n && Character.isLowSurrogate(text.charAt(i + 1))) {
-          i++;
-        } else {
-          return false;
-        }
-      }
-    }
-    return true;
-  }
-
-  private static native byte[] nConvertToDictionary(byte[] utf8);
+  private static native byte[] nConvertToDictionary(String text);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {
