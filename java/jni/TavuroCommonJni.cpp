@@ -34,6 +34,7 @@ struct Cached {
   jclass errorClass = nullptr;
   jmethodID errorWrap = nullptr;
   jclass outOfMemory = nullptr;
+  jclass objectClass = nullptr;
 };
 Cached cached;
 
@@ -134,8 +135,12 @@ Text::Text(JNIEnv* env, jstring text) {
 
 jstring newString(JNIEnv* env, const char* utf8, std::size_t size) {
   bool ascii = true;
-  for (std::size_t i = 0; i < size && ascii; ++i) {
-    ascii = static_cast<unsigned char>(utf8[i]) < 0x80 && utf8[i] != '\0';
+  for (std::size_t i = 0; i < size; ++i) {
+    const auto c = static_cast<unsigned char>(utf8[i]);
+    if (c >= 0x80 || c == 0) {
+      ascii = false;
+      break;
+    }
   }
   try {
     if (ascii) {
@@ -189,8 +194,13 @@ enum Tag : unsigned char {
   kString = 6,
   kArray = 7,
   kObject = 8,
-  kAsciiString = 9
+  kAsciiString = 9,
+  kLongString = 10
 };
+
+// Strings at least this long do not go through the buffer: each becomes a
+// Java string of its own, which saves two copies of its bytes.
+constexpr std::size_t kLongStringBytes = 8192;
 
 // Writes a dictionary in the compact form. Keys are written once and then
 // referred to by number, so that Java makes one String per distinct key; the
@@ -200,7 +210,7 @@ class TreeWriter {
   // `expected`: about how many bytes the text had; it sizes the output and the
   // key table (one slot per 16 bytes of text, 64 to 4096 slots).
   explicit TreeWriter(std::size_t expected) {
-    out_.reserve(expected);
+    out_.reserve(expected < 65536 ? expected : 65536);
     while (mask_ < 4095 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
     slots_.resize(mask_ + 1);
   }
@@ -216,6 +226,22 @@ class TreeWriter {
   }
 
   [[nodiscard]] const std::string& bytes() const { return out_; }
+  [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
+
+  // True when every byte of `text` is ASCII.
+  static bool ascii(std::string_view text) {
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, 8);
+      if ((word & 0x8080808080808080ULL) != 0) return false;
+    }
+    for (; i < text.size(); ++i) {
+      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
+    }
+    return true;
+  }
+
 
  private:
   struct Slot {
@@ -267,20 +293,13 @@ class TreeWriter {
     }
   }
 
-  static bool ascii(std::string_view text) {
-    std::size_t i = 0;
-    for (; i + 8 <= text.size(); i += 8) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, text.data() + i, 8);
-      if ((word & 0x8080808080808080ULL) != 0) return false;
-    }
-    for (; i < text.size(); ++i) {
-      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
-    }
-    return true;
-  }
-
   void string(std::string_view text) {
+    if (text.size() >= kLongStringBytes) {
+      out_.push_back(static_cast<char>(kLongString));
+      unsigned64(longStrings_.size());
+      longStrings_.push_back(text);
+      return;
+    }
     out_.push_back(static_cast<char>(ascii(text) ? kAsciiString : kString));
     unsigned64(text.size());
     out_.append(text.data(), text.size());
@@ -330,20 +349,57 @@ class TreeWriter {
   std::size_t mask_ = 63;
   std::vector<Slot> slots_;
   std::size_t announced_ = 0;
+  std::vector<std::string_view> longStrings_;
 };
 
 // The compact form of a dictionary as a Java byte array; nullptr for none.
-jbyteArray encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
-                      std::size_t expected = 256) {
+// The compact form of a dictionary: a byte array, or when it has long strings
+// an Object[] of the byte array and those strings in order. nullptr for none.
+jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
+                   std::size_t expected = 256) {
   if (!dictionary) return nullptr;
   try {
     TreeWriter writer(expected);
     writer.object(*dictionary);
-    return newBytes(env, writer.bytes().data(), writer.bytes().size());
+    jbyteArray tree = newBytes(env, writer.bytes().data(), writer.bytes().size());
+    const std::vector<std::string_view>& longStrings = writer.longStrings();
+    if (tree == nullptr || longStrings.empty()) return tree;
+    jobjectArray parts = env->NewObjectArray(static_cast<jsize>(longStrings.size() + 1),
+                                             cached.objectClass, nullptr);
+    if (parts == nullptr) return nullptr;
+    env->SetObjectArrayElement(parts, 0, tree);
+    env->DeleteLocalRef(tree);
+    for (std::size_t i = 0; i < longStrings.size(); ++i) {
+      // ASCII travels as bytes, which Java turns into a string at copying
+      // speed; anything else is decoded here.
+      const std::string_view s = longStrings[i];
+      jobject text = TreeWriter::ascii(s) ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
+                                          : static_cast<jobject>(newString(env, s.data(), s.size()));
+      if (text == nullptr) return nullptr;
+      env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
+      env->DeleteLocalRef(text);
+    }
+    return parts;
   } catch (const std::bad_alloc&) {
     throwOutOfMemory(env);
     return nullptr;
   }
+}
+
+// The 16 units from `units` as four words; true when all are ASCII.
+inline bool asciiUnits16(const jchar* units, std::uint64_t (&words)[4]) {
+  std::memcpy(words, units, sizeof words);
+  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80ULL) == 0;
+}
+
+// The four ASCII units of `word` (loaded little-endian) as four bytes in
+// memory order.
+#if !defined(__BYTE_ORDER__) || __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "packAscii assumes a little-endian machine"
+#endif
+inline std::uint32_t packAscii(std::uint64_t word) {
+  word = (word | (word >> 8)) & 0x0000FFFF0000FFFFULL;
+  return static_cast<std::uint32_t>(word | (word >> 16));
 }
 
 // Number of UTF-8 bytes of `n` UTF-16 units; -1 when a surrogate is unpaired.
@@ -351,10 +407,11 @@ std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
   std::size_t bytes = 0;
   std::size_t i = 0;
   while (i < n) {
-    // Four ASCII units at a time: the common case of JSON text.
-    if (i + 4 <= n && (units[i] | units[i + 1] | units[i + 2] | units[i + 3]) < 0x80) {
-      bytes += 4;
-      i += 4;
+    // Sixteen ASCII units at a time: the common case of JSON text.
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      bytes += 16;
+      i += 16;
       continue;
     }
     const jchar c = units[i++];
@@ -378,13 +435,14 @@ std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
 void writeUtf8(const jchar* units, std::size_t n, char* out) {
   std::size_t i = 0;
   while (i < n) {
-    if (i + 4 <= n && (units[i] | units[i + 1] | units[i + 2] | units[i + 3]) < 0x80) {
-      out[0] = static_cast<char>(units[i]);
-      out[1] = static_cast<char>(units[i + 1]);
-      out[2] = static_cast<char>(units[i + 2]);
-      out[3] = static_cast<char>(units[i + 3]);
-      out += 4;
-      i += 4;
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      for (const std::uint64_t word : words) {
+        const std::uint32_t four = packAscii(word);
+        std::memcpy(out, &four, 4);
+        out += 4;
+      }
+      i += 16;
       continue;
     }
     std::uint32_t c = units[i++];
@@ -409,23 +467,27 @@ void writeUtf8(const jchar* units, std::size_t n, char* out) {
 
 // The exact UTF-8 of a Java string; nothing when it holds an unpaired
 // surrogate, which UTF-8 cannot carry. Reads the characters in place.
-std::optional<std::string> exactUtf8(JNIEnv* env, jstring text) {
+// `utf8` is the caller's buffer, reused from call to call so that a large
+// text does not map fresh pages each time; false leaves it empty.
+bool exactUtf8(JNIEnv* env, jstring text, std::string& utf8) {
+  utf8.clear();
   const auto n = static_cast<std::size_t>(env->GetStringLength(text));
   const jchar* units = env->GetStringCritical(text, nullptr);
-  if (units == nullptr) return std::nullopt;  // OutOfMemoryError pending
-  std::optional<std::string> utf8;
+  if (units == nullptr) return false;  // OutOfMemoryError pending
+  bool exact = false;
   try {
     const std::ptrdiff_t length = utf8Length(units, n);
     if (length >= 0) {
-      utf8.emplace(static_cast<std::size_t>(length), '\0');
-      writeUtf8(units, n, utf8->data());
+      utf8.resize(static_cast<std::size_t>(length));
+      writeUtf8(units, n, utf8.data());
+      exact = true;
     }
   } catch (const std::bad_alloc&) {
     env->ReleaseStringCritical(text, units);
     throw;
   }
   env->ReleaseStringCritical(text, units);
-  return utf8;
+  return exact;
 }
 
 std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
@@ -491,10 +553,11 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* /*reserved*/) {
   };
   tavuro_jni::Cached& c = tavuro_jni::cached;
   c.outOfMemory = globalClass("java/lang/OutOfMemoryError");
+  c.objectClass = globalClass("java/lang/Object");
   jclass package = globalClass("com/tavuro/common/ITavuroPackage");
   jclass consumer = globalClass("java/util/function/Consumer");
   c.errorClass = globalClass("com/tavuro/common/TavuroError");
-  if (c.outOfMemory == nullptr || package == nullptr || consumer == nullptr ||
+  if (c.outOfMemory == nullptr || c.objectClass == nullptr || package == nullptr || consumer == nullptr ||
       c.errorClass == nullptr) {
     return JNI_ERR;
   }
@@ -581,20 +644,24 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // The compact tree of a JSON text; null for a text that has no exact UTF-8 and
 // whatever convertToDictionary gives none for. The compact form is about as
 // long as the text, so the writer reserves that much.
-extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
+extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
     JNIEnv* env, jclass /*unused*/, jstring text) {
   try {
-    const std::optional<std::string> utf8 = tavuro_jni::exactUtf8(env, text);
-    if (!utf8) return nullptr;
-    return tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8),
-                                  utf8->size() + 64);
+    // One text buffer per thread, kept between calls up to 8 MB.
+    static thread_local std::optional<std::string> utf8;
+    if (!utf8) utf8.emplace();
+    if (!tavuro_jni::exactUtf8(env, text, *utf8)) return nullptr;
+    jobject tree = tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8),
+                                          utf8->size() + 64);
+    if (utf8->capacity() > (std::size_t{8} << 20)) utf8.reset();
+    return tree;
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;
   }
 }
 
-extern "C" JNIEXPORT jbyteArray JNICALL
+extern "C" JNIEXPORT jobject JNICALL
 Java_com_tavuro_common_TavuroJwtParser_nDecode(JNIEnv* env, jclass /*unused*/, jstring token) {
   const tavuro_jni::Text text(env, token);
   if (text.failed()) return nullptr;
@@ -606,7 +673,7 @@ Java_com_tavuro_common_TavuroJwtParser_nDecode(JNIEnv* env, jclass /*unused*/, j
   }
 }
 
-extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_TavuroJwtParser_nDecodeJWTPart(
+extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_TavuroJwtParser_nDecodeJWTPart(
     JNIEnv* env, jclass /*unused*/, jstring segment) {
   const tavuro_jni::Text text(env, segment);
   if (text.failed()) return nullptr;

@@ -16,7 +16,9 @@ import java.util.Map;
  * and its payload; counts and lengths are unsigned LEB128; integers zigzag LEB128; doubles and
  * unsigned integers 8 bytes little-endian; a key is 0 followed by a string value the first time
  * it occurs, and later its number in the order of those first
- * occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own.
+ * occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own; long strings
+ * travel beside the buffer, referred to by their number: as a byte array when they are ASCII,
+ * else as a Java string.
  */
 final class JsonTree {
   static final int NULL = 0;
@@ -29,27 +31,36 @@ final class JsonTree {
   static final int ARRAY = 7;
   static final int OBJECT = 8;
   static final int ASCII_STRING = 9;
+  static final int LONG_STRING = 10;
 
   private static final VarHandle LONG_LE =
       MethodHandles.byteArrayViewVarHandle(long[].class, ByteOrder.LITTLE_ENDIAN);
 
   private final byte[] bytes;
+  private final Object[] longStrings;
   private int pos;
   private String[] keys = new String[64];
   private int keyCount;
 
-  private JsonTree(byte[] bytes) {
+  private JsonTree(byte[] bytes, Object[] longStrings) {
     this.bytes = bytes;
+    this.longStrings = longStrings;
   }
 
-  /** The dictionary that {@code encoded} holds; null for null. */
+  /**
+   * The dictionary that {@code encoded} holds: a byte array, or an array of the byte array and
+   * the long strings it refers to; null for null.
+   */
   @Nullable
   @SuppressWarnings("unchecked")
-  static Map<String, Object> decodeObject(@Nullable byte[] encoded) {
+  static Map<String, Object> decodeObject(@Nullable Object encoded) {
     if (encoded == null) {
       return null;
     }
-    return (Map<String, Object>) new JsonTree(encoded).value();
+    JsonTree tree = encoded instanceof byte[]
+        ? new JsonTree((byte[]) encoded, null)
+        : new JsonTree((byte[]) ((Object[]) encoded)[0], (Object[]) encoded);
+    return (Map<String, Object>) tree.value();
   }
 
   private Object value() {
@@ -71,6 +82,8 @@ final class JsonTree {
         return string();
       case ASCII_STRING:
         return asciiString();
+      case LONG_STRING:
+        return longString(longStrings[(int) unsigned() + 1]);
       case ARRAY:
         return array();
       case OBJECT:
@@ -125,6 +138,11 @@ final class JsonTree {
     String s = new String(bytes, 0, pos, length);
     pos += length;
     return s;
+  }
+
+  @SuppressWarnings("deprecation") // as in asciiString()
+  private static String longString(Object text) {
+    return text instanceof byte[] ? new String((byte[]) text, 0) : (String) text;
   }
 
   private long fixed() {

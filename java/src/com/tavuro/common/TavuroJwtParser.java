@@ -37,11 +37,11 @@ public class TavuroJwtParser {
     return segment == null ? null : JsonTree.decodeObject(nDecodeJWTPart(segment));
   }
 
-  private static native byte[] nDecode(String jwtToken);
+  private static native Object nDecode(String jwtToken);
 
   private static native byte[] nBase64UrlDecode(String text);
 
-  private static native byte[] nDecodeJWTPart(String segment);
+  private static native Object nDecodeJWTPart(String segment);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {

@@ -141,7 +141,7 @@ public final class Utils {
     return number.doubleValue();
   }
 
-  private static native byte[] nConvertToDictionary(String text);
+  private static native Object nConvertToDictionary(String text);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {

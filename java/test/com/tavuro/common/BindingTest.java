@@ -181,6 +181,11 @@ class BindingTest {
     assertEquals(Map.of(), map.get("o"));
     assertEquals(1L, map.get("d"));
     map.put("added", "maps are the host's own"); // mutable
+    String ascii = "x".repeat(9000);
+    String accented = "\u00e9".repeat(9000);
+    Map<String, Object> longTexts = Utils.convertToDictionary(
+        "{\"a\":\"" + ascii + "\",\"b\":[\"" + accented + "\"],\"" + ascii + "\":1}");
+    assertEquals(Map.of("a", ascii, "b", List.of(accented), ascii, 1L), longTexts);
   }
 
   private static final String[] DOCUMENTS = {
