@@ -242,7 +242,6 @@ class TreeWriter {
     return true;
   }
 
-
  private:
   struct Slot {
     const char* data = nullptr;
@@ -254,7 +253,8 @@ class TreeWriter {
     switch (v.kind()) {
       case tavuro::JsonValue::Kind::Null: out_.push_back(static_cast<char>(kNull)); return;
       case tavuro::JsonValue::Kind::Boolean:
-        out_.push_back(static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
+        out_.push_back(
+            static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
         return;
       case tavuro::JsonValue::Kind::Number: number(v); return;
       case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
@@ -373,8 +373,9 @@ jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dic
       // ASCII travels as bytes, which Java turns into a string at copying
       // speed; anything else is decoded here.
       const std::string_view s = longStrings[i];
-      jobject text = TreeWriter::ascii(s) ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
-                                          : static_cast<jobject>(newString(env, s.data(), s.size()));
+      jobject text = TreeWriter::ascii(s)
+                         ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
+                         : static_cast<jobject>(newString(env, s.data(), s.size()));
       if (text == nullptr) return nullptr;
       env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
       env->DeleteLocalRef(text);
@@ -557,8 +558,8 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* /*reserved*/) {
   jclass package = globalClass("com/tavuro/common/ITavuroPackage");
   jclass consumer = globalClass("java/util/function/Consumer");
   c.errorClass = globalClass("com/tavuro/common/TavuroError");
-  if (c.outOfMemory == nullptr || c.objectClass == nullptr || package == nullptr || consumer == nullptr ||
-      c.errorClass == nullptr) {
+  if (c.outOfMemory == nullptr || c.objectClass == nullptr || package == nullptr ||
+      consumer == nullptr || c.errorClass == nullptr) {
     return JNI_ERR;
   }
   c.packageInitialize = env->GetMethodID(package, "initialize", "()V");
@@ -644,15 +645,15 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // The compact tree of a JSON text; null for a text that has no exact UTF-8 and
 // whatever convertToDictionary gives none for. The compact form is about as
 // long as the text, so the writer reserves that much.
-extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
-    JNIEnv* env, jclass /*unused*/, jstring text) {
+extern "C" JNIEXPORT jobject JNICALL
+Java_com_tavuro_common_Utils_nConvertToDictionary(JNIEnv* env, jclass /*unused*/, jstring text) {
   try {
     // One text buffer per thread, kept between calls up to 8 MB.
     static thread_local std::optional<std::string> utf8;
     if (!utf8) utf8.emplace();
     if (!tavuro_jni::exactUtf8(env, text, *utf8)) return nullptr;
-    jobject tree = tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8),
-                                          utf8->size() + 64);
+    jobject tree =
+        tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8), utf8->size() + 64);
     if (utf8->capacity() > (std::size_t{8} << 20)) utf8.reset();
     return tree;
   } catch (const std::bad_alloc&) {
@@ -693,8 +694,8 @@ extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_TavuroJwtParser_n
   tavuro_ByteBuffer* buffer = tavuro_TavuroJwtParser_base64UrlDecode(parser, argument.get());
   tavuro_TavuroJwtParser_release(parser);
   if (buffer == nullptr) return nullptr;
-  jbyteArray result = tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer),
-                                           tavuro_ByteBuffer_length(buffer));
+  jbyteArray result =
+      tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer), tavuro_ByteBuffer_length(buffer));
   tavuro_ByteBuffer_release(buffer);
   return result;
 }
@@ -708,10 +709,10 @@ extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Picture_nMake(
   try {
     const std::optional<std::string> bytes = tavuro_jni::bytesArgument(env, pixels);
     if (!bytes) return 0;
-    return toJava(tavuro_Picture_make(
-        static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
-        static_cast<tavuro_PixelFormat>(format),
-        reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()));
+    return toJava(
+        tavuro_Picture_make(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                            static_cast<tavuro_PixelFormat>(format),
+                            reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()));
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return 0;
@@ -768,8 +769,8 @@ extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_Image_nData(JNIEn
                                                                            jlong record) {
   tavuro_ByteBuffer* buffer = tavuro_Image_data(handle<tavuro_Image>(record));
   if (buffer == nullptr) return nullptr;
-  jbyteArray result = tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer),
-                                           tavuro_ByteBuffer_length(buffer));
+  jbyteArray result =
+      tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer), tavuro_ByteBuffer_length(buffer));
   tavuro_ByteBuffer_release(buffer);
   return result;
 }
@@ -866,15 +867,24 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_NativeProbe_nativeGe
     env->DeleteLocalRef(boxClass);
     return boxed;
   };
-  auto count = [&box](std::size_t n) { return box("java/lang/Long", "(J)Ljava/lang/Long;", static_cast<jlong>(n)); };
+  auto count = [&box](std::size_t n) {
+    return box("java/lang/Long", "(J)Ljava/lang/Long;", static_cast<jlong>(n));
+  };
   switch (which) {
-    case 0: return box("java/lang/Long", "(J)Ljava/lang/Long;", static_cast<jlong>(tavuro::Utils::getIntValue(dictionary, k)));
-    case 1: return box("java/lang/Double", "(D)Ljava/lang/Double;", tavuro::Utils::getDoubleValue(dictionary, k));
+    case 0:
+      return box("java/lang/Long", "(J)Ljava/lang/Long;",
+                 static_cast<jlong>(tavuro::Utils::getIntValue(dictionary, k)));
+    case 1:
+      return box("java/lang/Double", "(D)Ljava/lang/Double;",
+                 tavuro::Utils::getDoubleValue(dictionary, k));
     case 2: {
       const std::string s = tavuro::Utils::getStringValue(dictionary, k);
       return tavuro_jni::newString(env, s.data(), s.size());
     }
-    case 3: return box("java/lang/Boolean", "(Z)Ljava/lang/Boolean;", static_cast<jboolean>(tavuro::Utils::getBooleanValue(dictionary, k) ? JNI_TRUE : JNI_FALSE));
+    case 3:
+      return box("java/lang/Boolean", "(Z)Ljava/lang/Boolean;",
+                 static_cast<jboolean>(tavuro::Utils::getBooleanValue(dictionary, k) ? JNI_TRUE
+                                                                                     : JNI_FALSE));
     case 4: {
       const auto object = tavuro::Utils::getObjectValue(dictionary, k);
       return object ? count(object->size()) : nullptr;
