@@ -109,8 +109,12 @@ def javadoc(text, indent="  "):
     return [line[len(indent):] for line in lines]
 
 
-def nullity(types, type_name):
-    return "@Nullable " if types.nullable(type_name) else ""
+def nullity(types, type_name, argument=False, constructor=False):
+    """"@Nullable " where null may pass: an optional type, or a required text argument of a method,
+    which (as in C) gives the member's default instead of failing."""
+    if type_name.endswith("?"):
+        return "@Nullable "
+    return "@Nullable " if argument and not constructor and type_name == "text" else ""
 
 
 # ---------------------------------------------------------------------------
@@ -166,7 +170,82 @@ def java_body(types, cls, member, call, result, args, static):
     return lines + ["}"]
 
 
+# What the Java comment says of a member whose table entry has no c_doc of its
+# own (or whose c_doc speaks of C): class.member, ".set" for a setter.
+JAVA_DOCS = {
+    "TavuroInitializer.init": "A new initializer; making one starts nothing.",
+    "Credential.username": "The account user name; null until the file or a setter gives one.",
+    "Credential.password": "The account password; null until the file or a setter gives one.",
+    "Credential.subscription": "The subscription identifier; null until the file or a setter gives one.",
+    "Credential.endpoints": "The store's own record, not a copy (changing it changes the store); null when no "
+                            "configuration file was read and none was set.",
+    "Credential.setToken": "Decodes the token and stores it when its \"exp\" lies strictly after now; false, "
+                           "with the stored token unchanged, when it cannot be decoded, has no usable \"exp\", "
+                           "has expired or is null. A token without any \".\" throws "
+                           "ArrayIndexOutOfBoundsException before native code is reached.",
+    "Credential.isCredentialValid": "False for a null or empty endpoint; otherwise true when user name, password "
+                                    "and subscription are all present and non-empty, or when any token is stored.",
+    "Credential.getTavuroAuthHeader": "\"Bearer \" and the stored token (expired or not) while one is stored, else "
+                                      "getBasicAuthHeader().",
+    "Credential.getBasicAuthHeader": "\"Basic \" and the base64 of user name \":\" password; null when either is "
+                                     "absent.",
+    "Credential.setUsername": "Stores the user name (null clears it), then rewrites the configuration file.",
+    "Credential.setPassword": "Stores the password (null clears it), then rewrites the configuration file.",
+    "Credential.setSubscription": "Stores the subscription identifier (null clears it), then rewrites the "
+                                  "configuration file.",
+    "Credential.setEndpoints": "Stores the record itself, not a copy (null clears it), then rewrites the "
+                               "configuration file.",
+    "Endpoints.newInstance": "Same as the no-argument constructor: a new record with every field absent.",
+    "TavuroJwtParser.init": "A new parser; it keeps no state.",
+    "TavuroJwtParser.parseToken": "The token record of a token text; null when its \"exp\" is missing or not a "
+                                  "whole number, or when the token is null. A token without any \".\" throws "
+                                  "ArrayIndexOutOfBoundsException before native code is reached.",
+    "TavuroJwtToken.initWithArguments": "A token record of {@code value} expiring at {@code expiration}; either being null "
+                           "throws NullPointerException.",
+    "TavuroJwtToken.value": "The token text.",
+    "TavuroJwtToken.expiration": "The instant the token expires.",
+    "TavuroJwtToken.isValid": "True while now is strictly before the expiration.",
+    "TavuroError.init": "A record with code 0 and an absent description.",
+    "TavuroError.initWithArguments": "A record with {@code errorCode} and {@code errorDescription} (null stays "
+                                     "absent).",
+    "TavuroError.errorCode": "The error code, one of TavuroErrorCodes (0 at first).",
+    "TavuroError.errorCode.set": "Replaces the error code.",
+    "TavuroError.errorDescription": "The error text, or null when absent.",
+    "TavuroError.errorDescription.set": "Replaces the error text; null clears it.",
+    "TavuroError.newInstance": "Same as the no-argument constructor: code 0 and an absent description.",
+    "Image.init": "A record with every field at its default: no picture, bytes or error, 0 dpi, aspect ratio 0, "
+                  "no points, not a passport.",
+    "Image.newInstance": "Same as the no-argument constructor: every field at its default.",
+    "Image.dpi": "The resolution of the picture in dots per inch.",
+    "Image.dpi.set": "Replaces the resolution.",
+    "Image.error": "The error of the capture (the record itself, shared), or null when absent.",
+    "Image.error.set": "Replaces the error with {@code error} itself, shared; null clears it.",
+    "Image.isCorrectAspectRatio": "Whether the picture passed the aspect-ratio check.",
+    "Image.isCorrectAspectRatio.set": "Replaces the result of the aspect-ratio check.",
+    "Image.aspectRatio": "The aspect ratio measured on the picture.",
+    "Image.aspectRatio.set": "Replaces the aspect ratio.",
+    "Image.isPassport": "Whether the captured document is a passport.",
+    "Image.isPassport.set": "Replaces whether the captured document is a passport.",
+    "DocumentProcessingMode.processingMode": "The process's mode: Standard at first, DataCapture after the switch.",
+    "DocumentProcessingMode.setDataCaptureProcessingMode": "Switches the process to DataCapture, for good.",
+    "Utils.dateFieldToDateString": "\"/Date(1234567890000)/\" gives \"02-13-2009\" (GMT); anything that is not "
+                                   "a plain millisecond count comes back unchanged. Null throws "
+                                   "NullPointerException before native code is reached.",
+    "Utils.SENT_IMAGE_QUALITY_JPEG_COMPRESSION": "The JPEG quality, on the encoder's scale of 0.0 to 1.0, of "
+                                                 "images sent to services; 0.9 at first.",
+    "Utils.SENT_IMAGE_QUALITY_JPEG_COMPRESSION.set": "Stores the JPEG quality unchecked, for the whole process.",
+    "Utils.SDK_VERSION_CODE": "The kit's version text; \"11.4.10\" at first.",
+    "Utils.SDK_VERSION_CODE.set": "Stores a copy of the version text for the whole process; null leaves it "
+                                  "unchanged.",
+}
+
+
 def member_doc(cls, member, role):
+    key = "%s.%s%s" % (cls["name"], member["name"], ".set" if role == "set" else "")
+    if member["kind"] in ("factory", "init") and member["args"]:
+        key += "WithArguments"
+    if key in JAVA_DOCS:
+        return JAVA_DOCS[key]
     doc = member.get("c_setter_doc" if role == "set" else "c_doc")
     name = member["name"]
     result = member.get("result", "")
@@ -211,14 +290,15 @@ def java_method(types, cls, member, getter_setter=None):
         arg = {"name": member.get("setter_arg", name), "type": member["result"]}
         out += javadoc(member_doc(cls, member, "set"))
         out.append("public%s%s void %s(%s%s %s) {" % (" static" if static else "", "" if static else final, setter_name,
-                                                     nullity(types, arg["type"]), types.java(arg["type"]), arg["name"]))
+                                                     nullity(types, arg["type"], True), types.java(arg["type"]), arg["name"]))
         call = "%s(%s)" % (native_name(selector), ", ".join(([] if static else ["handle"]) + [java_arg_value(types, arg)]))
         out += ["  " + l for l in java_body(types, cls, member, call, "void", [arg], static)]
         out.append("}")
         return out, [(native_name(selector), "void", [] if static else ["handle"], c_name(cls["name"], selector), static, [arg])]
 
     args = member.get("args", [])
-    params = ", ".join("%s%s %s" % (nullity(types, a["type"]), types.java(a["type"]), a["name"]) for a in args)
+    params = ", ".join("%s%s %s" % (nullity(types, a["type"], True, kind == "init"), types.java(a["type"]), a["name"])
+                       for a in args)
     values = ", ".join(java_arg_value(types, a) for a in args)
     if kind == "init":
         selector = member["selector"]

@@ -15,8 +15,8 @@ public final class Credential {
   private Credential() {}
 
   /**
-   * A copy of the stored session token, or null when none is stored (also when it has expired
-   * since it was stored: ask {@link TavuroJwtToken#isValid()}).
+   * A copy of the stored session token, expired or not (ask {@link TavuroJwtToken#isValid()}), or
+   * null when none is stored.
    */
   @Nullable
   public static TavuroJwtToken getToken() {
@@ -31,22 +31,23 @@ public final class Credential {
   }
 
 
-  /** Username of the Credential class; null when absent. */
+  /** The account user name; null until the file or a setter gives one. */
   public static @Nullable String username() {
     return nUsername();
   }
 
-  /** Password of the Credential class; null when absent. */
+  /** The account password; null until the file or a setter gives one. */
   public static @Nullable String password() {
     return nPassword();
   }
 
-  /** Subscription of the Credential class; null when absent. */
+  /** The subscription identifier; null until the file or a setter gives one. */
   public static @Nullable String subscription() {
     return nSubscription();
   }
 
-  /** The store's own record ; null when it has none. */
+  /** The store's own record, not a copy (changing it changes the store); null when no configuration
+   * file was read and none was set. */
   public static @Nullable Endpoints endpoints() {
     return Endpoints.wrap(nEndpoints());
   }
@@ -56,8 +57,9 @@ public final class Credential {
     return nRemoveToken();
   }
 
-  /** Stores the token when its "exp" lies after now. null gives false; a token without "." throws
-   * before the native call (see the class comment). */
+  /** Decodes the token and stores it when its "exp" lies strictly after now; false, with the stored
+   * token unchanged, when it cannot be decoded, has no usable "exp", has expired or is null. A
+   * token without any "." throws ArrayIndexOutOfBoundsException before native code is reached. */
   public static boolean setToken(@Nullable String token) {
     if (token != null && token.indexOf('.') < 0) {
       throw new ArrayIndexOutOfBoundsException("a token needs at least one '.'");
@@ -65,37 +67,39 @@ public final class Credential {
     return nSetTokenWithToken(token);
   }
 
-  /** IsCredentialValid of the Credential class. */
+  /** False for a null or empty endpoint; otherwise true when user name, password and subscription
+   * are all present and non-empty, or when any token is stored. */
   public static boolean isCredentialValid(@Nullable String endpoint) {
     return nIsCredentialValidWithEndpoint(endpoint);
   }
 
-  /** GetTavuroAuthHeader of the Credential class; null when absent. */
+  /** "Bearer " and the stored token (expired or not) while one is stored, else
+   * getBasicAuthHeader(). */
   public static @Nullable String getTavuroAuthHeader() {
     return nGetTavuroAuthHeader();
   }
 
-  /** GetBasicAuthHeader of the Credential class; null when absent. */
+  /** "Basic " and the base64 of user name ":" password; null when either is absent. */
   public static @Nullable String getBasicAuthHeader() {
     return nGetBasicAuthHeader();
   }
 
-  /** SetUsername of the Credential class. */
+  /** Stores the user name (null clears it), then rewrites the configuration file. */
   public static void setUsername(@Nullable String username) {
     nSetUsernameWithUsername(username);
   }
 
-  /** SetPassword of the Credential class. */
+  /** Stores the password (null clears it), then rewrites the configuration file. */
   public static void setPassword(@Nullable String password) {
     nSetPasswordWithPassword(password);
   }
 
-  /** SetSubscription of the Credential class. */
+  /** Stores the subscription identifier (null clears it), then rewrites the configuration file. */
   public static void setSubscription(@Nullable String subscription) {
     nSetSubscriptionWithSubscription(subscription);
   }
 
-  /** Keeps the record itself (its own reference), not a copy; null clears. */
+  /** Stores the record itself, not a copy (null clears it), then rewrites the configuration file. */
   public static void setEndpoints(@Nullable Endpoints endpoints) {
     try {
       nSetEndpointsWithEndpoints(endpoints == null ? 0 : endpoints.handle);

@@ -14,12 +14,12 @@ public final class DocumentProcessingMode {
   }
 
 
-  /** The process's mode as its raw value: 2 at first, 1 after the switch. */
+  /** The process's mode: Standard at first, DataCapture after the switch. */
   public static ProcessingMode processingMode() {
     return ProcessingMode.fromRawValue(nProcessingMode());
   }
 
-  /** SetDataCaptureProcessingMode of the DocumentProcessingMode class. */
+  /** Switches the process to DataCapture, for good. */
   public static void setDataCaptureProcessingMode() {
     nSetDataCaptureProcessingMode();
   }

@@ -144,7 +144,7 @@ public class Endpoints {
     }
   }
 
-  /** Every field absent. */
+  /** Same as the no-argument constructor: a new record with every field absent. */
   public static Endpoints newInstance() {
     return Endpoints.wrap(nNewInstance());
   }

@@ -137,7 +137,8 @@ public final class Image {
 
   private static native void nRelease(long handle);
 
-  /** A new Image with every field at its default. */
+  /** A record with every field at its default: no picture, bytes or error, 0 dpi, aspect ratio 0,
+   * no points, not a passport. */
   public Image() {
     handle = nNewInstance();
     if (handle == 0) {
@@ -146,12 +147,12 @@ public final class Image {
     NativeLibrary.CLEANER.register(this, new Release(handle));
   }
 
-  /** Every field at its default. */
+  /** Same as the no-argument constructor: every field at its default. */
   public static Image newInstance() {
     return Image.wrap(nNewInstance());
   }
 
-  /** The dpi. */
+  /** The resolution of the picture in dots per inch. */
   public final long getDpi() {
     try {
       return nDpi(handle);
@@ -160,7 +161,7 @@ public final class Image {
     }
   }
 
-  /** Replaces the dpi. */
+  /** Replaces the resolution. */
   public final void setDpi(long dpi) {
     try {
       nSetDpi(handle, dpi);
@@ -169,7 +170,7 @@ public final class Image {
     }
   }
 
-  /** The error, or null when absent. */
+  /** The error of the capture (the record itself, shared), or null when absent. */
   public final @Nullable TavuroError getError() {
     try {
       return TavuroError.wrap(nError(handle));
@@ -178,7 +179,7 @@ public final class Image {
     }
   }
 
-  /** Replaces the error; null clears it. */
+  /** Replaces the error with {@code error} itself, shared; null clears it. */
   public final void setError(@Nullable TavuroError error) {
     try {
       nSetError(handle, error == null ? 0 : error.handle);
@@ -188,7 +189,7 @@ public final class Image {
     }
   }
 
-  /** The isCorrectAspectRatio. */
+  /** Whether the picture passed the aspect-ratio check. */
   public final boolean isCorrectAspectRatio() {
     try {
       return nIsCorrectAspectRatio(handle);
@@ -197,7 +198,7 @@ public final class Image {
     }
   }
 
-  /** Replaces the isCorrectAspectRatio. */
+  /** Replaces the result of the aspect-ratio check. */
   public final void setCorrectAspectRatio(boolean value) {
     try {
       nSetIsCorrectAspectRatio(handle, value);
@@ -206,7 +207,7 @@ public final class Image {
     }
   }
 
-  /** The aspectRatio. */
+  /** The aspect ratio measured on the picture. */
   public final float getAspectRatio() {
     try {
       return nAspectRatio(handle);
@@ -215,7 +216,7 @@ public final class Image {
     }
   }
 
-  /** Replaces the aspectRatio. */
+  /** Replaces the aspect ratio. */
   public final void setAspectRatio(float aspectRatio) {
     try {
       nSetAspectRatio(handle, aspectRatio);
@@ -224,7 +225,7 @@ public final class Image {
     }
   }
 
-  /** The isPassport. */
+  /** Whether the captured document is a passport. */
   public final boolean isPassport() {
     try {
       return nIsPassport(handle);
@@ -233,7 +234,7 @@ public final class Image {
     }
   }
 
-  /** Replaces the isPassport. */
+  /** Replaces whether the captured document is a passport. */
   public final void setPassport(boolean isPassport) {
     try {
       nSetIsPassport(handle, isPassport);

@@ -43,7 +43,7 @@ public final class TavuroError {
 
   private static native void nRelease(long handle);
 
-  /** A new TavuroError with every field at its default. */
+  /** A record with code 0 and an absent description. */
   public TavuroError() {
     handle = nNewInstance();
     if (handle == 0) {
@@ -52,7 +52,7 @@ public final class TavuroError {
     NativeLibrary.CLEANER.register(this, new Release(handle));
   }
 
-  /** The code and a copy of the description (null stays absent). */
+  /** A record with {@code errorCode} and {@code errorDescription} (null stays absent). */
   public TavuroError(long errorCode, @Nullable String errorDescription) {
     handle = nInitWithErrorCodeErrorDescription(errorCode, errorDescription);
     if (handle == 0) {
@@ -61,12 +61,12 @@ public final class TavuroError {
     NativeLibrary.CLEANER.register(this, new Release(handle));
   }
 
-  /** Code 0 and an absent description. */
+  /** Same as the no-argument constructor: code 0 and an absent description. */
   public static TavuroError newInstance() {
     return TavuroError.wrap(nNewInstance());
   }
 
-  /** The errorCode. */
+  /** The error code, one of TavuroErrorCodes (0 at first). */
   public final long getErrorCode() {
     try {
       return nErrorCode(handle);
@@ -75,7 +75,7 @@ public final class TavuroError {
     }
   }
 
-  /** Replaces the errorCode. */
+  /** Replaces the error code. */
   public final void setErrorCode(long errorCode) {
     try {
       nSetErrorCode(handle, errorCode);
@@ -84,7 +84,7 @@ public final class TavuroError {
     }
   }
 
-  /** The errorDescription, or null when absent. */
+  /** The error text, or null when absent. */
   public final @Nullable String getErrorDescription() {
     try {
       return nErrorDescription(handle);
@@ -93,7 +93,7 @@ public final class TavuroError {
     }
   }
 
-  /** Replaces the errorDescription; null clears it. */
+  /** Replaces the error text; null clears it. */
   public final void setErrorDescription(@Nullable String errorDescription) {
     try {
       nSetErrorDescription(handle, errorDescription);

@@ -75,7 +75,7 @@ public class TavuroInitializer implements ITavuroInitializer {
 
   private static native void nRelease(long handle);
 
-  /** A new TavuroInitializer with every field at its default. */
+  /** A new initializer; making one starts nothing. */
   public TavuroInitializer() {
     handle = nInit();
     if (handle == 0) {

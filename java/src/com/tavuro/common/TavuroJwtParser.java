@@ -78,7 +78,7 @@ public class TavuroJwtParser {
 
   private static native void nRelease(long handle);
 
-  /** A new TavuroJwtParser with every field at its default. */
+  /** A new parser; it keeps no state. */
   public TavuroJwtParser() {
     handle = nInit();
     if (handle == 0) {
@@ -87,8 +87,9 @@ public class TavuroJwtParser {
     NativeLibrary.CLEANER.register(this, new Release(handle));
   }
 
-  /** The token record, null when "exp" is missing or not a whole number. A null token gives null; a
-   * token without "." throws before the native call (see the class comment). */
+  /** The token record of a token text; null when its "exp" is missing or not a whole number, or
+   * when the token is null. A token without any "." throws ArrayIndexOutOfBoundsException before
+   * native code is reached. */
   public @Nullable TavuroJwtToken parseToken(@Nullable String jwtToken) {
     if (jwtToken != null && jwtToken.indexOf('.') < 0) {
       throw new ArrayIndexOutOfBoundsException("a token needs at least one '.'");

@@ -43,9 +43,9 @@ public class TavuroJwtToken {
 
   private static native void nRelease(long handle);
 
-  /** A token record holding a copy of `value` and `expiration` (seconds since 1970-01-01T00:00:00
-   * UTC); null when `value` is null. */
-  public TavuroJwtToken(@Nullable String value, @Nullable Instant expiration) {
+  /** A token record of {@code value} expiring at {@code expiration}; either being null throws
+   * NullPointerException. */
+  public TavuroJwtToken(String value, Instant expiration) {
     Objects.requireNonNull(value, "value");
     Objects.requireNonNull(expiration, "expiration");
     handle = nInitWithValueExpiration(value, NativeLibrary.seconds(expiration));
@@ -55,8 +55,8 @@ public class TavuroJwtToken {
     NativeLibrary.CLEANER.register(this, new Release(handle));
   }
 
-  /** The value. */
-  public final @Nullable String getValue() {
+  /** The token text. */
+  public final String getValue() {
     try {
       return nValue(handle);
     } finally {
@@ -64,8 +64,8 @@ public class TavuroJwtToken {
     }
   }
 
-  /** Seconds since 1970-01-01T00:00:00 UTC; 0 for null. */
-  public final @Nullable Instant getExpiration() {
+  /** The instant the token expires. */
+  public final Instant getExpiration() {
     try {
       return NativeLibrary.instant(nExpiration(handle));
     } finally {
@@ -73,7 +73,7 @@ public class TavuroJwtToken {
     }
   }
 
-  /** True while now is strictly before the expiration; false for null. */
+  /** True while now is strictly before the expiration. */
   public boolean isValid() {
     try {
       return nIsValid(handle);

@@ -149,29 +149,30 @@ public final class Utils {
   }
 
 
-  /** "/Date(1234567890000)/" gives "02-13-2009"; anything that is not a plain millisecond count
-   * comes back unchanged. null throws before the native call (see the class comment). */
+  /** "/Date(1234567890000)/" gives "02-13-2009" (GMT); anything that is not a plain millisecond
+   * count comes back unchanged. Null throws NullPointerException before native code is reached. */
   public static @Nullable String dateFieldToDateString(@Nullable String dateStr) {
     Objects.requireNonNull(dateStr, "dateStr");
     return nDateFieldToDateStringWithDateStr(dateStr);
   }
 
-  /** The SENT_IMAGE_QUALITY_JPEG_COMPRESSION. */
+  /** The JPEG quality, on the encoder's scale of 0.0 to 1.0, of images sent to services; 0.9 at
+   * first. */
   public static double getSENT_IMAGE_QUALITY_JPEG_COMPRESSION() {
     return nSENTIMAGEQUALITYJPEGCOMPRESSION();
   }
 
-  /** Replaces the SENT_IMAGE_QUALITY_JPEG_COMPRESSION. */
+  /** Stores the JPEG quality unchecked, for the whole process. */
   public static void setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(double quality) {
     nSetSENTIMAGEQUALITYJPEGCOMPRESSION(quality);
   }
 
-  /** The SDK_VERSION_CODE. */
-  public static @Nullable String getSDK_VERSION_CODE() {
+  /** The kit's version text; "11.4.10" at first. */
+  public static String getSDK_VERSION_CODE() {
     return nSDKVERSIONCODE();
   }
 
-  /** Stores a copy of the text; null leaves the setting unchanged (the setting is never absent). */
+  /** Stores a copy of the version text for the whole process; null leaves it unchanged. */
   public static void setSDK_VERSION_CODE(@Nullable String versionCode) {
     nSetSDKVERSIONCODE(versionCode);
   }

@@ -279,10 +279,10 @@ class BindingTest {
     assertTrue(after - before < (8L << 20), "native heap grew by " + (after - before) + " bytes");
   }
 
-  // Collects until the native heap is at most `bound` bytes, for 60 s at most.
+  // Collects until the native heap is at most `bound` bytes, for 30 s at most.
   private static long collect(long bound) throws InterruptedException {
     long inUse = NativeProbe.heapInUse();
-    for (int i = 0; i < 600 && inUse > bound || i < 3; i++) {
+    for (int i = 0; i < 300 && inUse > bound || i < 3; i++) {
       System.gc();
       Thread.sleep(100);
       inUse = NativeProbe.heapInUse();
