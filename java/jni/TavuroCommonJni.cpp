@@ -506,15 +506,480 @@ std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
 
 struct PackageCall {
   JNIEnv* env;
-  jobject package;
+  jobjectArray packages;
+  jsize index;
 };
 
-// Runs one Java package. Once one has thrown, the exception stays pending and
-// the packages after it are not started.
+// Runs one Java package, fetched from the array only for its call so that
+// any number of packages needs one local reference at a time. Once one has
+// thrown, the exception stays pending and the packages after it are not
+// started.
 void initializePackage(void* context) {
   auto* call = static_cast<PackageCall*>(context);
-  if (call->env->ExceptionCheck()) return;
-  call->env->CallVoidMethod(call->package, cached.packageInitialize);
+  JNIEnv* env = call->env;
+  if (env->ExceptionCheck()) return;
+  jobject package = env->GetObjectArrayElement(call->packages, call->index);
+  if (package == nullptr) return;  // an exception is pending (Java checked for null)
+  env->CallVoidMethod(package, cached.packageInitialize);
+  env->DeleteLocalRef(package);
+}
+
+struct CallbackCall {
+  JNIEnv* env;
+  jobject callback;
+};
+
+void callBack(void* context, tavuro_TavuroError* error) {
+  auto* call = static_cast<CallbackCall*>(context);
+  JNIEnv* env = call->env;
+  if (env->ExceptionCheck() || call->callback == nullptr) return;
+  jobject javaError = nullptr;
+  if (error != nullptr) {
+    javaError = env->CallStaticObjectMethod(cached.errorClass, cached.errorWrap,
+                                            toJava(tavuro_TavuroError_retain(error)));
+    if (env->ExceptionCheck()) return;
+  }
+  env->CallVoidMethod(call->callback, cached.consumerAccept, javaError);
+  if (javaError != nullptr) env->DeleteLocalRef(javaError);
+}
+
+}  // namespace
+}  // namespace tavuro_jni
+
+using tavuro_jni::handle;
+using tavuro_jni::toJava;
+
+extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* /*reserved*/) {
+  JNIEnv* env = nullptr;
+  if (vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_8) != JNI_OK) return JNI_ERR;
+  auto globalClass = [env](const char* name) -> jclass {
+    jclass local = env->FindClass(name);
+    if (local == nullptr) return nullptr;
+    auto global = static_cast<jclass>(env->NewGlobalRef(local));
+    env->DeleteLocalRef(local);
+    return global;
+  };
+  tavuro_jni::Cached& c = tavuro_jni::cached;
+  c.outOfMemory = globalClass("java/lang/OutOfMemoryError");
+  c.objectClass = globalClass("java/lang/Object");
+  jclass package = globalClass("com/tavuro/common/ITavuroPackage");
+  jclass consumer = globalClass("java/util/function/Consumer");
+  c.errorClass = globalClass("com/tavuro/common/TavuroError");
+  if (c.outOfMemory == nullptr || c.objectClass == nullptr || package == nullptr ||
+      consumer == nullptr || c.errorClass == nullptr) {
+    return JNI_ERR;
+  }
+  c.packageInitialize = env->GetMethodID(package, "initialize", "()V");
+  if (c.packageInitialize == nullptr) return JNI_ERR;
+  c.consumerAccept = env->GetMethodID(consumer, "accept", "(Ljava/lang/Object;)V");
+  if (c.consumerAccept == nullptr) return JNI_ERR;
+  c.errorWrap = env->GetStaticMethodID(c.errorClass, "wrap", "(J)Lcom/tavuro/common/TavuroError;");
+  if (c.errorWrap == nullptr) return JNI_ERR;
+  env->DeleteGlobalRef(package);
+  env->DeleteGlobalRef(consumer);
+  return JNI_VERSION_1_8;
+}
+
+// ---------------------------------------------------------------------------
+// Resource directory and the stored token
+// ---------------------------------------------------------------------------
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroCommon_nSetResourceDirectory(
+    JNIEnv* env, jclass /*unused*/, jstring directory) {
+  const tavuro_jni::Text text(env, directory);
+  if (!text.failed()) tavuro_setResourceDirectory(text.get());
+}
+
+extern "C" JNIEXPORT jstring JNICALL
+Java_com_tavuro_common_TavuroCommon_nResourceDirectory(JNIEnv* env, jclass /*unused*/) {
+  return tavuro_jni::takeText(env, tavuro_resourceDirectory());
+}
+
+// The C interface has no function for the stored token: this makes a token
+// record of the same text and expiration (the record is immutable, so the
+// copy cannot be told apart).
+extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Credential_nGetToken(JNIEnv* env,
+                                                                               jclass /*unused*/) {
+  try {
+    const std::shared_ptr<tavuro::TavuroJwtToken> token = tavuro::Credential::getToken();
+    if (!token) return 0;
+    const double seconds = token->expiration().time_since_epoch().count();
+    tavuro_TavuroJwtToken* copy =
+        tavuro_TavuroJwtToken_initWithValue_expiration(token->value().c_str(), seconds);
+    if (copy == nullptr) tavuro_jni::throwOutOfMemory(env);
+    return toJava(copy);
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return 0;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Start-up
+// ---------------------------------------------------------------------------
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInitialize(
+    JNIEnv* env, jclass /*unused*/, jlong initializer, jobjectArray packages, jobject callback) {
+  const jsize count = env->GetArrayLength(packages);
+  try {
+    std::vector<tavuro_jni::PackageCall> calls(static_cast<std::size_t>(count));
+    std::vector<tavuro_ITavuroPackage> list(static_cast<std::size_t>(count));
+    for (jsize i = 0; i < count; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      calls[k] = {env, packages, i};
+      list[k] = {tavuro_jni::initializePackage, &calls[k]};
+    }
+    tavuro_jni::CallbackCall done{env, callback};
+    tavuro_TavuroInitializer_initializeWithPackages_callback(
+        handle<tavuro_TavuroInitializer>(initializer), list.data(), list.size(),
+        tavuro_jni::callBack, &done);
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+  }
+}
+
+// ---------------------------------------------------------------------------
+// JSON trees in the compact form that JsonTree.java reads
+// ---------------------------------------------------------------------------
+
+enum Tag : unsigned char {
+  kNull = 0,
+  kFalse = 1,
+  kTrue = 2,
+  kInt = 3,
+  kDouble = 4,
+  kUnsigned = 5,
+  kString = 6,
+  kArray = 7,
+  kObject = 8,
+  kAsciiString = 9,
+  kLongString = 10
+};
+
+// Strings at least this long do not go through the buffer: each becomes a
+// Java string of its own, which saves two copies of its bytes.
+constexpr std::size_t kLongStringBytes = 8192;
+
+// Writes a dictionary in the compact form. Keys are written once and then
+// referred to by number, so that Java makes one String per distinct key; the
+// table that finds them is open-addressed and never allocates per key.
+class TreeWriter {
+ public:
+  // `expected`: about how many bytes the text had; it sizes the output and the
+  // key table (one slot per 16 bytes of text, 64 to 4096 slots).
+  explicit TreeWriter(std::size_t expected) {
+    out_.reserve(expected < 65536 ? expected : 65536);
+    while (mask_ < 4095 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
+    slots_.resize(mask_ + 1);
+  }
+
+  void object(const tavuro::JsonDictionary& dictionary) {
+    out_.push_back(static_cast<char>(kObject));
+    const std::size_t n = dictionary.size();
+    unsigned64(n);
+    for (std::size_t i = 0; i < n; ++i) {
+      key(dictionary.keyAt(i));
+      value(dictionary.valueAt(i));
+    }
+  }
+
+  [[nodiscard]] const std::string& bytes() const { return out_; }
+  [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
+
+  // True when every byte of `text` is ASCII.
+  static bool ascii(std::string_view text) {
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, 8);
+      if ((word & 0x8080808080808080ULL) != 0) return false;
+    }
+    for (; i < text.size(); ++i) {
+      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
+    }
+    return true;
+  }
+
+ private:
+  struct Slot {
+    const char* data = nullptr;
+    std::size_t size = 0;
+    std::size_t number = 0;  // 0: empty
+  };
+
+  void value(const tavuro::JsonValue& v) {
+    switch (v.kind()) {
+      case tavuro::JsonValue::Kind::Null: out_.push_back(static_cast<char>(kNull)); return;
+      case tavuro::JsonValue::Kind::Boolean:
+        out_.push_back(
+            static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
+        return;
+      case tavuro::JsonValue::Kind::Number: number(v); return;
+      case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
+      case tavuro::JsonValue::Kind::Array: {
+        const std::optional<tavuro::JsonArray> array = v.arrayValue();
+        out_.push_back(static_cast<char>(kArray));
+        const std::size_t n = array->size();
+        unsigned64(n);
+        for (std::size_t i = 0; i < n; ++i) value((*array)[i]);
+        return;
+      }
+      case tavuro::JsonValue::Kind::Object: object(*v.dictionaryValue()); return;
+    }
+  }
+
+  void number(const tavuro::JsonValue& v) {
+    switch (*v.numberKind()) {
+      case tavuro::JsonValue::NumberKind::Int64: {
+        const std::int64_t i = *v.int64Value();
+        out_.push_back(static_cast<char>(kInt));
+        unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
+        return;
+      }
+      case tavuro::JsonValue::NumberKind::UInt64:
+        out_.push_back(static_cast<char>(kUnsigned));
+        fixed(*v.uint64Value());
+        return;
+      case tavuro::JsonValue::NumberKind::Double: {
+        const double d = *v.doubleValue();
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &d, sizeof bits);
+        out_.push_back(static_cast<char>(kDouble));
+        fixed(bits);
+        return;
+      }
+    }
+  }
+
+  void string(std::string_view text) {
+    if (text.size() >= kLongStringBytes) {
+      out_.push_back(static_cast<char>(kLongString));
+      unsigned64(longStrings_.size());
+      longStrings_.push_back(text);
+      return;
+    }
+    out_.push_back(static_cast<char>(ascii(text) ? kAsciiString : kString));
+    unsigned64(text.size());
+    out_.append(text.data(), text.size());
+  }
+
+  void key(std::string_view key) {
+    std::uint64_t hash = 1469598103934665603ULL ^ key.size();
+    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    Slot* empty = nullptr;
+    for (std::size_t i = hash & mask_, probes = 0; probes < 16; i = (i + 1) & mask_, ++probes) {
+      Slot& slot = slots_[i];
+      if (slot.number == 0) {
+        empty = &slot;
+        break;
+      }
+      if (slot.size == key.size() && std::memcmp(slot.data, key.data(), key.size()) == 0) {
+        unsigned64(slot.number);
+        return;
+      }
+    }
+    // Announced with 0: Java numbers every announced key, in order, whether
+    // or not the table here had room to remember it.
+    unsigned64(0);
+    string(key);
+    ++announced_;
+    if (empty != nullptr && announced_ <= mask_ / 2) *empty = {key.data(), key.size(), announced_};
+  }
+
+  void fixed(std::uint64_t v) {
+    char bytes[8];
+    for (char& b : bytes) {
+      b = static_cast<char>(v & 0xFF);
+      v >>= 8;
+    }
+    out_.append(bytes, 8);
+  }
+
+  void unsigned64(std::uint64_t v) {
+    while (v >= 0x80) {
+      out_.push_back(static_cast<char>((v & 0x7F) | 0x80));
+      v >>= 7;
+    }
+    out_.push_back(static_cast<char>(v));
+  }
+
+  std::string out_;
+  std::size_t mask_ = 63;
+  std::vector<Slot> slots_;
+  std::size_t announced_ = 0;
+  std::vector<std::string_view> longStrings_;
+};
+
+// The compact form of a dictionary as a Java byte array; nullptr for none.
+// The compact form of a dictionary: a byte array, or when it has long strings
+// an Object[] of the byte array and those strings in order. nullptr for none.
+jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
+                   std::size_t expected = 256) {
+  if (!dictionary) return nullptr;
+  try {
+    TreeWriter writer(expected);
+    writer.object(*dictionary);
+    jbyteArray tree = newBytes(env, writer.bytes().data(), writer.bytes().size());
+    const std::vector<std::string_view>& longStrings = writer.longStrings();
+    if (tree == nullptr || longStrings.empty()) return tree;
+    jobjectArray parts = env->NewObjectArray(static_cast<jsize>(longStrings.size() + 1),
+                                             cached.objectClass, nullptr);
+    if (parts == nullptr) return nullptr;
+    env->SetObjectArrayElement(parts, 0, tree);
+    env->DeleteLocalRef(tree);
+    for (std::size_t i = 0; i < longStrings.size(); ++i) {
+      // ASCII travels as bytes, which Java turns into a string at copying
+      // speed; anything else is decoded here.
+      const std::string_view s = longStrings[i];
+      jobject text = TreeWriter::ascii(s)
+                         ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
+                         : static_cast<jobject>(newString(env, s.data(), s.size()));
+      if (text == nullptr) return nullptr;
+      env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
+      env->DeleteLocalRef(text);
+    }
+    return parts;
+  } catch (const std::bad_alloc&) {
+    throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+// The 16 units from `units` as four words; true when all are ASCII.
+inline bool asciiUnits16(const jchar* units, std::uint64_t (&words)[4]) {
+  std::memcpy(words, units, sizeof words);
+  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80ULL) == 0;
+}
+
+// The four ASCII units of `word` (loaded little-endian) as four bytes in
+// memory order.
+#if !defined(__BYTE_ORDER__) || __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "packAscii assumes a little-endian machine"
+#endif
+inline std::uint32_t packAscii(std::uint64_t word) {
+  word = (word | (word >> 8)) & 0x0000FFFF0000FFFFULL;
+  return static_cast<std::uint32_t>(word | (word >> 16));
+}
+
+// Number of UTF-8 bytes of `n` UTF-16 units; -1 when a surrogate is unpaired.
+std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
+  std::size_t bytes = 0;
+  std::size_t i = 0;
+  while (i < n) {
+    // Sixteen ASCII units at a time: the common case of JSON text.
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      bytes += 16;
+      i += 16;
+      continue;
+    }
+    const jchar c = units[i++];
+    if (c < 0x80) {
+      bytes += 1;
+    } else if (c < 0x800) {
+      bytes += 2;
+    } else if (c < 0xD800 || c > 0xDFFF) {
+      bytes += 3;
+    } else if (c <= 0xDBFF && i < n && units[i] >= 0xDC00 && units[i] <= 0xDFFF) {
+      bytes += 4;
+      ++i;
+    } else {
+      return -1;
+    }
+  }
+  return static_cast<std::ptrdiff_t>(bytes);
+}
+
+// Writes the UTF-8 of `n` units that utf8Length accepted into `out`.
+void writeUtf8(const jchar* units, std::size_t n, char* out) {
+  std::size_t i = 0;
+  while (i < n) {
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      for (const std::uint64_t word : words) {
+        const std::uint32_t four = packAscii(word);
+        std::memcpy(out, &four, 4);
+        out += 4;
+      }
+      i += 16;
+      continue;
+    }
+    std::uint32_t c = units[i++];
+    if (c >= 0xD800 && c <= 0xDBFF) c = 0x10000 + ((c - 0xD800) << 10) + (units[i++] - 0xDC00u);
+    if (c < 0x80) {
+      *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+      *out++ = static_cast<char>(0xC0 | (c >> 6));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      *out++ = static_cast<char>(0xE0 | (c >> 12));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      *out++ = static_cast<char>(0xF0 | (c >> 18));
+      *out++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+}
+
+// The exact UTF-8 of a Java string; nothing when it holds an unpaired
+// surrogate, which UTF-8 cannot carry. Reads the characters in place.
+// `utf8` is the caller's buffer, reused from call to call so that a large
+// text does not map fresh pages each time; false leaves it empty.
+bool exactUtf8(JNIEnv* env, jstring text, std::string& utf8) {
+  utf8.clear();
+  const auto n = static_cast<std::size_t>(env->GetStringLength(text));
+  const jchar* units = env->GetStringCritical(text, nullptr);
+  if (units == nullptr) return false;  // OutOfMemoryError pending
+  bool exact = false;
+  try {
+    const std::ptrdiff_t length = utf8Length(units, n);
+    if (length >= 0) {
+      utf8.resize(static_cast<std::size_t>(length));
+      writeUtf8(units, n, utf8.data());
+      exact = true;
+    }
+  } catch (const std::bad_alloc&) {
+    env->ReleaseStringCritical(text, units);
+    throw;
+  }
+  env->ReleaseStringCritical(text, units);
+  return exact;
+}
+
+std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
+  if (array == nullptr) return std::nullopt;
+  const jsize length = env->GetArrayLength(array);
+  std::string bytes(static_cast<std::size_t>(length), '\0');
+  env->GetByteArrayRegion(array, 0, length, reinterpret_cast<jbyte*>(bytes.data()));
+  if (env->ExceptionCheck()) return std::nullopt;
+  return bytes;
+}
+
+// ---------------------------------------------------------------------------
+// Packages and the callback
+// ---------------------------------------------------------------------------
+
+struct PackageCall {
+  JNIEnv* env;
+  jobjectArray packages;
+  jsize index;
+};
+
+// Runs one Java package, fetched from the array only for its call so that
+// any number of packages needs one local reference at a time. Once one has
+// thrown, the exception stays pending and the packages after it are not
+// started.
+void initializePackage(void* context) {
+  auto* call = static_cast<PackageCall*>(context);
+  JNIEnv* env = call->env;
+  if (env->ExceptionCheck()) return;
+  jobject package = env->GetObjectArrayElement(call->packages, call->index);
+  if (package == nullptr) return;  // an exception is pending (Java checked for null)
+  env->CallVoidMethod(package, cached.packageInitialize);
+  env->DeleteLocalRef(package);
 }
 
 struct CallbackCall {

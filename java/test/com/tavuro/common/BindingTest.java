@@ -15,6 +15,7 @@ import java.time.Instant;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Base64;
+import java.util.Collections;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -147,9 +148,10 @@ class BindingTest {
       throw new IllegalStateException("boom");
     };
     TavuroInitializer initializer = new TavuroInitializer();
-    initializer.initialize(List.of(a, a), error -> log.add("done " + error));
+    initializer.initialize(Collections.nCopies(40, a), error -> log.add("done " + error));
     initializer.initialize(List.of(), error -> log.add("empty " + error));
-    assertEquals(List.of("a", "a", "done null", "empty null"), log);
+    assertEquals(40, Collections.frequency(log, "a"));
+    assertEquals(List.of("done null", "empty null"), log.subList(40, 42));
 
     log.clear();
     assertThrows(IllegalStateException.class,
