@@ -135,6 +135,8 @@ def java_arg_value(types, arg):
 
 def java_result(types, type_name, call):
     base = type_name.rstrip("?")
+    if base == "text":
+        return "NativeLibrary.text(%s, buffer)" % call
     if base == "instant":
         return "NativeLibrary.instant(%s)" % call
     if base in types.records:
@@ -161,6 +163,10 @@ def java_body(types, cls, member, call, result, args, static):
     keep = [] if static else ["this"]
     keep += [a["name"] for a in args if a["type"].rstrip("?") in types.records]
     lines = java_stops(member, args)
+    if result not in (None, "void", "long") and result.rstrip("?") == "text":
+        # Text results come back through a per-thread buffer (see NativeLibrary.text).
+        lines.append("byte[] buffer = NativeLibrary.textBuffer();")
+        call = call.replace("()", "(buffer)") if call.endswith("()") else call.replace("(", "(buffer, ", 1)
     expression = java_result(types, result, call) if result not in (None, "void") else call
     statement = ("return %s;" % expression) if result not in (None, "void") else expression + ";"
     if not keep:
@@ -332,8 +338,9 @@ def native_declaration(types, native, result, receiver, args):
     if java_result_type is None:
         base = result.rstrip("?")
         java_result_type = ("double" if base == "instant" else "long" if base in types.records or base in types.enums
-                            else types.java(result))
-    params = ["long handle"] if receiver else []
+                            else "int" if base == "text" else types.java(result))
+    params = ["byte[] buffer"] if result.rstrip("?") == "text" else []
+    params += ["long handle"] if receiver else []
     for arg in args:
         base = arg["type"].rstrip("?")
         jt = ("double" if base == "instant" else "long" if base in types.records or base in types.enums
@@ -439,15 +446,22 @@ def enum_region(enum):
 # ---------------------------------------------------------------------------
 
 def jni_function(types, owner, native, result, receiver, c_function, args):
-    params = ["JNIEnv* env", "jclass /*unused*/"] + (["jlong handle"] if receiver else [])
+    params = ["JNIEnv* env", "jclass /*unused*/"]
+    if result.rstrip("?") == "text":
+        params.append("jbyteArray buffer")
+    params += ["jlong handle"] if receiver else []
     base_result = result.rstrip("?") if result not in ("void", "long") else result
     jni_result = {"void": "void", "long": "jlong"}.get(result) or types.jni(result)
+    if base_result == "text":
+        jni_result = "jint"  # the length written into the buffer; see tavuro_jni::putText
     body, call_args = [], []
     if receiver:
         call_args.append("tavuro_jni::handle<tavuro_%s>(handle)" % owner)
     default = {"void": "", "long": "0"}.get(result)
     if default is None:
         default = SCALARS[base_result][3] if base_result in SCALARS else "0"
+    if base_result == "text":
+        default = "-1"
     for arg in args:
         base = arg["type"].rstrip("?")
         name = arg["name"]
@@ -468,7 +482,7 @@ def jni_function(types, owner, native, result, receiver, c_function, args):
     elif result == "long" or base_result in types.records:
         body.append("return tavuro_jni::toJava(%s);" % call)
     elif base_result == "text":
-        body.append("return tavuro_jni::takeText(env, %s);" % call)
+        body.append("return tavuro_jni::putText(env, buffer, %s);" % call)
     elif base_result == "bool":
         body.append("return %s ? JNI_TRUE : JNI_FALSE;" % call)
     else:

@@ -41,6 +41,13 @@ jstring newString(JNIEnv* env, const char* utf8, std::size_t size);
 /// nullptr for nullptr (absent).
 jstring takeText(JNIEnv* env, char* owned);
 
+/// Hands a text result that the caller owns to Java through `buffer`, a
+/// per-thread array of Java's (see NativeLibrary.text): returns -1 for
+/// nullptr (absent), else the length in bytes, having written the bytes into
+/// `buffer` when they fit and otherwise kept the text for
+/// NativeLibrary.nTakePendingText on this thread. Frees what it does not keep.
+jint putText(JNIEnv* env, jbyteArray buffer, char* owned);
+
 /// A new Java byte array holding a copy of `size` bytes; nullptr when the JVM
 /// raised an exception.
 jbyteArray newBytes(JNIEnv* env, const void* bytes, std::size_t size);

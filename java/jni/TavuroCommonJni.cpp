@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -163,6 +164,28 @@ jstring takeText(JNIEnv* env, char* owned) {
   jstring result = newString(env, owned, std::strlen(owned));
   tavuro_string_free(owned);
   return result;
+}
+
+namespace {
+// The text result that did not fit its buffer, until Java takes it.
+thread_local std::unique_ptr<char, void (*)(char*)> pendingText{nullptr, tavuro_string_free};
+}  // namespace
+
+jint putText(JNIEnv* env, jbyteArray buffer, char* owned) {
+  if (owned == nullptr) return -1;
+  const std::size_t size = std::strlen(owned);
+  if (size > 0x7FFFFFFF) {
+    tavuro_string_free(owned);
+    throwOutOfMemory(env);
+    return -1;
+  }
+  if (static_cast<jsize>(size) <= env->GetArrayLength(buffer)) {
+    env->SetByteArrayRegion(buffer, 0, static_cast<jsize>(size), reinterpret_cast<jbyte*>(owned));
+    tavuro_string_free(owned);
+  } else {
+    pendingText.reset(owned);
+  }
+  return static_cast<jint>(size);
 }
 
 jbyteArray newBytes(JNIEnv* env, const void* bytes, std::size_t size) {
@@ -578,6 +601,15 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* /*reserved*/) {
   env->DeleteGlobalRef(package);
   env->DeleteGlobalRef(consumer);
   return JNI_VERSION_1_8;
+}
+
+// Copies the text that putText kept into `whole`, which is exactly as long.
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_NativeLibrary_nTakePendingText(
+    JNIEnv* env, jclass /*unused*/, jbyteArray whole) {
+  const std::unique_ptr<char, void (*)(char*)> text = std::move(tavuro_jni::pendingText);
+  if (text == nullptr) return;
+  env->SetByteArrayRegion(whole, 0, env->GetArrayLength(whole),
+                          reinterpret_cast<const jbyte*>(text.get()));
 }
 
 // ---------------------------------------------------------------------------

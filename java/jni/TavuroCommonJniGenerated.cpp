@@ -19,19 +19,21 @@ Java_com_tavuro_common_TavuroInitializer_nInit(JNIEnv* /*env*/, jclass /*unused*
   return tavuro_jni::toJava(tavuro_TavuroInitializer_init());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Credential_nUsername(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Credential_username());
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Credential_nUsername(JNIEnv* env,
+                                                                              jclass /*unused*/,
+                                                                              jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Credential_username());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Credential_nPassword(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Credential_password());
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Credential_nPassword(JNIEnv* env,
+                                                                              jclass /*unused*/,
+                                                                              jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Credential_password());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Credential_nSubscription(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Credential_subscription());
+extern "C" JNIEXPORT jint JNICALL
+Java_com_tavuro_common_Credential_nSubscription(JNIEnv* env, jclass /*unused*/, jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Credential_subscription());
 }
 
 extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Credential_nEndpoints(JNIEnv* /*env*/,
@@ -60,14 +62,14 @@ Java_com_tavuro_common_Credential_nIsCredentialValidWithEndpoint(JNIEnv* env, jc
                                                                               : JNI_FALSE;
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Credential_nGetTavuroAuthHeader(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Credential_getTavuroAuthHeader());
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Credential_nGetTavuroAuthHeader(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Credential_getTavuroAuthHeader());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Credential_nGetBasicAuthHeader(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Credential_getBasicAuthHeader());
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Credential_nGetBasicAuthHeader(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Credential_getBasicAuthHeader());
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Credential_nSetUsernameWithUsername(
@@ -108,10 +110,12 @@ Java_com_tavuro_common_Endpoints_nNewInstance(JNIEnv* /*env*/, jclass /*unused*/
   return tavuro_jni::toJava(tavuro_Endpoints_newInstance());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Endpoints_nFrmEndpoint(JNIEnv* env, jclass /*unused*/, jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_Endpoints_frmEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Endpoints_nFrmEndpoint(JNIEnv* env,
+                                                                                jclass /*unused*/,
+                                                                                jbyteArray buffer,
+                                                                                jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer, tavuro_Endpoints_frmEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetFrmEndpoint(
@@ -122,11 +126,12 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetFrmEndpoi
                                   endpoint_text.get());
 }
 
-extern "C" JNIEXPORT jstring JNICALL Java_com_tavuro_common_Endpoints_nIdEndpoint(JNIEnv* env,
-                                                                                  jclass /*unused*/,
-                                                                                  jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_Endpoints_idEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Endpoints_nIdEndpoint(JNIEnv* env,
+                                                                               jclass /*unused*/,
+                                                                               jbyteArray buffer,
+                                                                               jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer, tavuro_Endpoints_idEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetIdEndpoint(
@@ -136,10 +141,11 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetIdEndpoin
   tavuro_Endpoints_setIdEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle), endpoint_text.get());
 }
 
-extern "C" JNIEXPORT jstring JNICALL Java_com_tavuro_common_Endpoints_nPassiveLivenessEndpoint(
-    JNIEnv* env, jclass /*unused*/, jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_Endpoints_passiveLivenessEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Endpoints_nPassiveLivenessEndpoint(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer, jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer,
+      tavuro_Endpoints_passiveLivenessEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetPassiveLivenessEndpoint(
@@ -150,10 +156,11 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetPassiveLi
                                               endpoint_text.get());
 }
 
-extern "C" JNIEXPORT jstring JNICALL Java_com_tavuro_common_Endpoints_nHealthInsuranceEndpoint(
-    JNIEnv* env, jclass /*unused*/, jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_Endpoints_healthInsuranceEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Endpoints_nHealthInsuranceEndpoint(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer, jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer,
+      tavuro_Endpoints_healthInsuranceEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetHealthInsuranceEndpoint(
@@ -164,10 +171,12 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetHealthIns
                                               endpoint_text.get());
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Endpoints_nKelmoEndpoint(JNIEnv* env, jclass /*unused*/, jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_Endpoints_kelmoEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Endpoints_nKelmoEndpoint(JNIEnv* env,
+                                                                                  jclass /*unused*/,
+                                                                                  jbyteArray buffer,
+                                                                                  jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer, tavuro_Endpoints_kelmoEndpoint(tavuro_jni::handle<tavuro_Endpoints>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Endpoints_nSetKelmoEndpoint(
@@ -211,11 +220,12 @@ extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_TavuroJwtToken_nInitWi
       tavuro_TavuroJwtToken_initWithValue_expiration(value_text.get(), expiration));
 }
 
-extern "C" JNIEXPORT jstring JNICALL Java_com_tavuro_common_TavuroJwtToken_nValue(JNIEnv* env,
-                                                                                  jclass /*unused*/,
-                                                                                  jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_TavuroJwtToken_value(tavuro_jni::handle<tavuro_TavuroJwtToken>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_TavuroJwtToken_nValue(JNIEnv* env,
+                                                                               jclass /*unused*/,
+                                                                               jbyteArray buffer,
+                                                                               jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer, tavuro_TavuroJwtToken_value(tavuro_jni::handle<tavuro_TavuroJwtToken>(handle)));
 }
 
 extern "C" JNIEXPORT jdouble JNICALL Java_com_tavuro_common_TavuroJwtToken_nExpiration(
@@ -263,10 +273,11 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroError_nSetErrorCo
   tavuro_TavuroError_setErrorCode(tavuro_jni::handle<tavuro_TavuroError>(handle), errorCode);
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_TavuroError_nErrorDescription(JNIEnv* env, jclass /*unused*/, jlong handle) {
-  return tavuro_jni::takeText(
-      env, tavuro_TavuroError_errorDescription(tavuro_jni::handle<tavuro_TavuroError>(handle)));
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_TavuroError_nErrorDescription(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer, jlong handle) {
+  return tavuro_jni::putText(
+      env, buffer,
+      tavuro_TavuroError_errorDescription(tavuro_jni::handle<tavuro_TavuroError>(handle)));
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroError_nSetErrorDescription(
@@ -362,12 +373,12 @@ Java_com_tavuro_common_DocumentProcessingMode_nSetDataCaptureProcessingMode(JNIE
   tavuro_DocumentProcessingMode_setDataCaptureProcessingMode();
 }
 
-extern "C" JNIEXPORT jstring JNICALL Java_com_tavuro_common_Utils_nDateFieldToDateStringWithDateStr(
-    JNIEnv* env, jclass /*unused*/, jstring dateStr) {
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Utils_nDateFieldToDateStringWithDateStr(
+    JNIEnv* env, jclass /*unused*/, jbyteArray buffer, jstring dateStr) {
   const tavuro_jni::Text dateStr_text(env, dateStr);
-  if (dateStr_text.failed()) return nullptr;
-  return tavuro_jni::takeText(env,
-                              tavuro_Utils_dateFieldToDateStringWithDateStr(dateStr_text.get()));
+  if (dateStr_text.failed()) return -1;
+  return tavuro_jni::putText(env, buffer,
+                             tavuro_Utils_dateFieldToDateStringWithDateStr(dateStr_text.get()));
 }
 
 extern "C" JNIEXPORT jdouble JNICALL
@@ -380,9 +391,10 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Utils_nSetSENTIMAGEQUAL
   tavuro_Utils_setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(quality);
 }
 
-extern "C" JNIEXPORT jstring JNICALL
-Java_com_tavuro_common_Utils_nSDKVERSIONCODE(JNIEnv* env, jclass /*unused*/) {
-  return tavuro_jni::takeText(env, tavuro_Utils_SDK_VERSION_CODE());
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Utils_nSDKVERSIONCODE(JNIEnv* env,
+                                                                               jclass /*unused*/,
+                                                                               jbyteArray buffer) {
+  return tavuro_jni::putText(env, buffer, tavuro_Utils_SDK_VERSION_CODE());
 }
 
 extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Utils_nSetSDKVERSIONCODE(

@@ -33,17 +33,20 @@ public final class Credential {
 
   /** The account user name; null until the file or a setter gives one. */
   public static @Nullable String username() {
-    return nUsername();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nUsername(buffer), buffer);
   }
 
   /** The account password; null until the file or a setter gives one. */
   public static @Nullable String password() {
-    return nPassword();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nPassword(buffer), buffer);
   }
 
   /** The subscription identifier; null until the file or a setter gives one. */
   public static @Nullable String subscription() {
-    return nSubscription();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nSubscription(buffer), buffer);
   }
 
   /** The store's own record, not a copy (changing it changes the store); null when no configuration
@@ -76,12 +79,14 @@ public final class Credential {
   /** "Bearer " and the stored token (expired or not) while one is stored, else
    * getBasicAuthHeader(). */
   public static @Nullable String getTavuroAuthHeader() {
-    return nGetTavuroAuthHeader();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nGetTavuroAuthHeader(buffer), buffer);
   }
 
   /** "Basic " and the base64 of user name ":" password; null when either is absent. */
   public static @Nullable String getBasicAuthHeader() {
-    return nGetBasicAuthHeader();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nGetBasicAuthHeader(buffer), buffer);
   }
 
   /** Stores the user name (null clears it), then rewrites the configuration file. */
@@ -108,15 +113,15 @@ public final class Credential {
     }
   }
 
-  private static native String nUsername();
-  private static native String nPassword();
-  private static native String nSubscription();
+  private static native int nUsername(byte[] buffer);
+  private static native int nPassword(byte[] buffer);
+  private static native int nSubscription(byte[] buffer);
   private static native long nEndpoints();
   private static native boolean nRemoveToken();
   private static native boolean nSetTokenWithToken(String token);
   private static native boolean nIsCredentialValidWithEndpoint(String endpoint);
-  private static native String nGetTavuroAuthHeader();
-  private static native String nGetBasicAuthHeader();
+  private static native int nGetTavuroAuthHeader(byte[] buffer);
+  private static native int nGetBasicAuthHeader(byte[] buffer);
   private static native void nSetUsernameWithUsername(String username);
   private static native void nSetPasswordWithPassword(String password);
   private static native void nSetSubscriptionWithSubscription(String subscription);

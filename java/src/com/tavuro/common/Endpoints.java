@@ -56,8 +56,9 @@ public class Endpoints {
 
   /** The frmEndpoint, or null when absent. */
   public @Nullable String getFrmEndpoint() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nFrmEndpoint(handle);
+      return NativeLibrary.text(nFrmEndpoint(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -74,8 +75,9 @@ public class Endpoints {
 
   /** The idEndpoint, or null when absent. */
   public @Nullable String getIdEndpoint() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nIdEndpoint(handle);
+      return NativeLibrary.text(nIdEndpoint(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -92,8 +94,9 @@ public class Endpoints {
 
   /** The passiveLivenessEndpoint, or null when absent. */
   public @Nullable String getPassiveLivenessEndpoint() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nPassiveLivenessEndpoint(handle);
+      return NativeLibrary.text(nPassiveLivenessEndpoint(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -110,8 +113,9 @@ public class Endpoints {
 
   /** The healthInsuranceEndpoint, or null when absent. */
   public @Nullable String getHealthInsuranceEndpoint() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nHealthInsuranceEndpoint(handle);
+      return NativeLibrary.text(nHealthInsuranceEndpoint(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -128,8 +132,9 @@ public class Endpoints {
 
   /** The kelmoEndpoint, or null when absent. */
   public @Nullable String getKelmoEndpoint() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nKelmoEndpoint(handle);
+      return NativeLibrary.text(nKelmoEndpoint(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -150,15 +155,15 @@ public class Endpoints {
   }
 
   private static native long nNewInstance();
-  private static native String nFrmEndpoint(long handle);
+  private static native int nFrmEndpoint(byte[] buffer, long handle);
   private static native void nSetFrmEndpoint(long handle, String endpoint);
-  private static native String nIdEndpoint(long handle);
+  private static native int nIdEndpoint(byte[] buffer, long handle);
   private static native void nSetIdEndpoint(long handle, String endpoint);
-  private static native String nPassiveLivenessEndpoint(long handle);
+  private static native int nPassiveLivenessEndpoint(byte[] buffer, long handle);
   private static native void nSetPassiveLivenessEndpoint(long handle, String endpoint);
-  private static native String nHealthInsuranceEndpoint(long handle);
+  private static native int nHealthInsuranceEndpoint(byte[] buffer, long handle);
   private static native void nSetHealthInsuranceEndpoint(long handle, String endpoint);
-  private static native String nKelmoEndpoint(long handle);
+  private static native int nKelmoEndpoint(byte[] buffer, long handle);
   private static native void nSetKelmoEndpoint(long handle, String endpoint);
   // END generated: members
 }

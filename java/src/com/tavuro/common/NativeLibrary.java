@@ -1,6 +1,7 @@
 package com.tavuro.common;
 
 import java.lang.ref.Cleaner;
+import java.nio.charset.StandardCharsets;
 import java.time.Instant;
 
 /**
@@ -30,6 +31,35 @@ final class NativeLibrary {
   static void load() {
     // The static initializer above does the work.
   }
+
+  // Text results arrive in this per-thread buffer: filling a Java array from native code and
+  // making the String in Java costs a fraction of making the String in native code.
+  private static final ThreadLocal<byte[]> TEXT_BUFFER =
+      ThreadLocal.withInitial(() -> new byte[256]);
+
+  /** The calling thread's buffer for text results. */
+  static byte[] textBuffer() {
+    return TEXT_BUFFER.get();
+  }
+
+  /**
+   * The text result that a native method reported as {@code length} bytes in {@code buffer}: null
+   * for -1; when it did not fit, native code kept it and hands it over now.
+   */
+  @Nullable
+  static String text(int length, byte[] buffer) {
+    if (length < 0) {
+      return null;
+    }
+    if (length <= buffer.length) {
+      return new String(buffer, 0, length, StandardCharsets.UTF_8);
+    }
+    byte[] whole = new byte[length];
+    nTakePendingText(whole);
+    return new String(whole, StandardCharsets.UTF_8);
+  }
+
+  private static native void nTakePendingText(byte[] whole);
 
   /** The instant {@code seconds} after 1970-01-01T00:00:00Z (nanosecond precision). */
   static Instant instant(double seconds) {

@@ -86,8 +86,9 @@ public final class TavuroError {
 
   /** The error text, or null when absent. */
   public final @Nullable String getErrorDescription() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nErrorDescription(handle);
+      return NativeLibrary.text(nErrorDescription(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -106,7 +107,7 @@ public final class TavuroError {
   private static native long nInitWithErrorCodeErrorDescription(long errorCode, String errorDescription);
   private static native long nErrorCode(long handle);
   private static native void nSetErrorCode(long handle, long errorCode);
-  private static native String nErrorDescription(long handle);
+  private static native int nErrorDescription(byte[] buffer, long handle);
   private static native void nSetErrorDescription(long handle, String errorDescription);
   // END generated: members
 }

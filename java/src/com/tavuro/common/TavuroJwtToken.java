@@ -57,8 +57,9 @@ public class TavuroJwtToken {
 
   /** The token text. */
   public final String getValue() {
+    byte[] buffer = NativeLibrary.textBuffer();
     try {
-      return nValue(handle);
+      return NativeLibrary.text(nValue(buffer, handle), buffer);
     } finally {
       Reference.reachabilityFence(this);
     }
@@ -83,7 +84,7 @@ public class TavuroJwtToken {
   }
 
   private static native long nInitWithValueExpiration(String value, double expiration);
-  private static native String nValue(long handle);
+  private static native int nValue(byte[] buffer, long handle);
   private static native double nExpiration(long handle);
   private static native boolean nIsValid(long handle);
   // END generated: members

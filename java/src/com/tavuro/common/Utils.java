@@ -153,7 +153,8 @@ public final class Utils {
    * count comes back unchanged. Null throws NullPointerException before native code is reached. */
   public static @Nullable String dateFieldToDateString(@Nullable String dateStr) {
     Objects.requireNonNull(dateStr, "dateStr");
-    return nDateFieldToDateStringWithDateStr(dateStr);
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nDateFieldToDateStringWithDateStr(buffer, dateStr), buffer);
   }
 
   /** The JPEG quality, on the encoder's scale of 0.0 to 1.0, of images sent to services; 0.9 at
@@ -169,7 +170,8 @@ public final class Utils {
 
   /** The kit's version text; "11.4.10" at first. */
   public static String getSDK_VERSION_CODE() {
-    return nSDKVERSIONCODE();
+    byte[] buffer = NativeLibrary.textBuffer();
+    return NativeLibrary.text(nSDKVERSIONCODE(buffer), buffer);
   }
 
   /** Stores a copy of the version text for the whole process; null leaves it unchanged. */
@@ -177,10 +179,10 @@ public final class Utils {
     nSetSDKVERSIONCODE(versionCode);
   }
 
-  private static native String nDateFieldToDateStringWithDateStr(String dateStr);
+  private static native int nDateFieldToDateStringWithDateStr(byte[] buffer, String dateStr);
   private static native double nSENTIMAGEQUALITYJPEGCOMPRESSION();
   private static native void nSetSENTIMAGEQUALITYJPEGCOMPRESSION(double quality);
-  private static native String nSDKVERSIONCODE();
+  private static native int nSDKVERSIONCODE(byte[] buffer);
   private static native void nSetSDKVERSIONCODE(String versionCode);
   // END generated: members
 }

@@ -71,7 +71,8 @@ class BindingTest {
   @Test
   void textsCrossBothWaysUnchanged() {
     Endpoints endpoints = new Endpoints();
-    String[] texts = {"", "plain", "ü€", "emoji \ud83d\ude00", "\uffff"};
+    String[] texts = {"", "plain", "ü€", "emoji \ud83d\ude00", "\uffff",
+      "\u00e9\ud83d\ude00".repeat(200)}; // longer than the text buffer
     for (String text : texts) {
       endpoints.setFrmEndpoint(text);
       assertEquals(text, endpoints.getFrmEndpoint());
