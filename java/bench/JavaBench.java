@@ -21,9 +21,9 @@ import java.util.Map;
  */
 public final class JavaBench {
   private static final String[][] CORPORA = {
-    {"2 KB answer", "d_small_answer.json"},
-    {"235 KB answer", "a2_answer_text.json"},
-    {"5 MB answer", "a_answer.json"},
+    {"small answer", "d_small_answer.json"},
+    {"answer without its images", "a2_answer_text.json"},
+    {"answer with four images", "a_answer.json"},
   };
 
   private static long sink;
@@ -70,7 +70,8 @@ public final class JavaBench {
           perCall[p][round] = (double) (System.nanoTime() - start) / batch;
         }
       }
-      System.out.printf("  %s (%d characters), best / median round:%n", corpus[0], text.length());
+      System.out.printf("  %s, %s (%.1f KB), best / median round:%n", corpus[0], corpus[1],
+          Files.size(corpora.resolve(corpus[1])) / 1024.0);
       double[] best = new double[parsers.length];
       double[] median = new double[parsers.length];
       for (int p = 0; p < parsers.length; p++) {
