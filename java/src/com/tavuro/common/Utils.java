@@ -25,7 +25,8 @@ public final class Utils {
   private static final double TWO_63 = 9223372036854775808.0;
   private static final double TWO_64 = 18446744073709551616.0;
 
-  private Utils() {}
+  /** Makes an instance, which has nothing to do: every operation is static. */
+  public Utils() {}
 
   /**
    * The dictionary of a JSON object text as a new mutable map in the order of the text; null for
