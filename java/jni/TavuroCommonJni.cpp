@@ -17,7 +17,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "JniSupport.h"
@@ -375,7 +374,6 @@ class TreeWriter {
   std::vector<std::string_view> longStrings_;
 };
 
-// The compact form of a dictionary as a Java byte array; nullptr for none.
 // The compact form of a dictionary: a byte array, or when it has long strings
 // an Object[] of the byte array and those strings in order. nullptr for none.
 jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
@@ -489,10 +487,11 @@ void writeUtf8(const jchar* units, std::size_t n, char* out) {
   }
 }
 
-// The exact UTF-8 of a Java string; nothing when it holds an unpaired
-// surrogate, which UTF-8 cannot carry. Reads the characters in place.
-// `utf8` is the caller's buffer, reused from call to call so that a large
-// text does not map fresh pages each time; false leaves it empty.
+// Writes the exact UTF-8 of a Java string into `utf8` (the caller's buffer,
+// reused from call to call so that a large text does not map fresh pages
+// each time) and returns true; false, with `utf8` empty, when the string
+// holds an unpaired surrogate, which UTF-8 cannot carry. Reads the
+// characters in place.
 bool exactUtf8(JNIEnv* env, jstring text, std::string& utf8) {
   utf8.clear();
   const auto n = static_cast<std::size_t>(env->GetStringLength(text));
