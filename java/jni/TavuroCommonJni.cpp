@@ -874,7 +874,11 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Image_nSetPoints(JNIEnv
 // Bytes of the native heap in use now.
 extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_NativeProbe_heapInUse(JNIEnv* /*env*/,
                                                                                 jclass /*unused*/) {
+#if defined(__GLIBC__)
   return static_cast<jlong>(mallinfo2().uordblks);
+#else
+  return static_cast<jlong>(mallinfo().uordblks);
+#endif
 }
 
 // What the native getter `which` (0 int, 1 double, 2 string, 3 boolean,
