@@ -10,6 +10,7 @@ TAVURO_PACKAGES=(
   clang-format-14 clang-tidy-14 help2man
   googletest libgtest-dev libbenchmark-dev
   rapidjson-dev libsimdjson-dev nlohmann-json3-dev libicu-dev
+  openjdk-17-jdk-headless junit5 libgoogle-gson-java libjackson2-databind-java
 )
 
 ensure_packages() {

@@ -9,6 +9,7 @@ interface/TavuroCommon.json: NAME" and a line "END generated: NAME":
   common/TavuroCommon_c.cpp                     the regular C wrappers
   docs/c-interface.md                           the tables of names
   cmake/TavuroCommon.map                        the exported C++ free functions
+  java/ (through scripts/generate_java.py)      the regular part of the Java binding
 
   generate_interface.py [--clang-format PROGRAM]          rewrite the regions
   generate_interface.py --check [--clang-format PROGRAM]  exit 1 when a region is stale
@@ -27,6 +28,8 @@ import shutil
 import subprocess
 import sys
 
+import generate_java
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 TABLE = "interface/TavuroCommon.json"
 PUBLIC_HEADER = "common/include/TavuroCommon/TavuroCommon.h"
@@ -35,7 +38,7 @@ C_SOURCE = "common/TavuroCommon_c.cpp"
 ERROR_INFO_SOURCE = "common/TavuroErrorInfo.cpp"
 DOC = "docs/c-interface.md"
 EXPORT_MAP = "cmake/TavuroCommon.map"
-FORMATTED = (PUBLIC_HEADER, C_HEADER, C_SOURCE, ERROR_INFO_SOURCE)
+FORMATTED = (PUBLIC_HEADER, C_HEADER, C_SOURCE, ERROR_INFO_SOURCE) + generate_java.FORMATTED
 
 BEGIN = re.compile(r"BEGIN generated from interface/TavuroCommon\.json: ([\w ]+?)\s*(?:\*/|-->)?\s*$")
 END = re.compile(r"END generated: ([\w ]+?)\s*(?:\*/|-->)?\s*$")
@@ -533,6 +536,7 @@ def main(argv):
         outputs = {PUBLIC_HEADER: public_header_regions(interface), C_HEADER: c_header_regions(interface),
                    C_SOURCE: c_source_regions(interface), ERROR_INFO_SOURCE: error_info_regions(interface),
                    DOC: doc_regions(interface), EXPORT_MAP: map_regions(interface)}
+        outputs.update(generate_java.regions(interface))  # the Java binding: scripts/generate_java.py
         if not options.check and not options.clang_format:
             raise TableError("writing needs clang-format-14 (or --clang-format PROGRAM)")
         stale = []
@@ -555,6 +559,7 @@ def main(argv):
                     f.write(new)
         with open(os.path.join(ROOT, C_HEADER), encoding="utf-8") as f:
             problems = manual_problems(interface, f.read())
+        problems += generate_java.hand_written_problems(interface, ROOT)
     except (TableError, KeyError, subprocess.CalledProcessError) as error:
         print("generate_interface.py: %s" % (error,), file=sys.stderr)
         return 1

@@ -1,0 +1,950 @@
+// The hand-written half of libTavuroCommonJni: the text conversions, the
+// members whose values are not plain (JSON trees, bytes, pictures, points,
+// packages and callbacks) and a few functions that only the binding's tests
+// and benchmarks call. The regular members are in
+// TavuroCommonJniGenerated.cpp.
+//
+// No C++ exception leaves a function here: each one catches what the library
+// or the standard library may throw and turns it into a Java
+// OutOfMemoryError or a default.
+#include <jni.h>
+#include <malloc.h>
+
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "JniSupport.h"
+#include "TavuroCommon/TavuroCommon.h"
+#include "TavuroCommon/TavuroCommon_c.h"
+
+namespace tavuro_jni {
+namespace {
+
+// Classes and methods looked up once when the library is loaded. The global
+// references live as long as the library.
+struct Cached {
+  jmethodID packageInitialize = nullptr;
+  jmethodID consumerAccept = nullptr;
+  jclass errorClass = nullptr;
+  jmethodID errorWrap = nullptr;
+  jclass outOfMemory = nullptr;
+  jclass objectClass = nullptr;
+};
+Cached cached;
+
+void throwOutOfMemory(JNIEnv* env) {
+  if (!env->ExceptionCheck()) env->ThrowNew(cached.outOfMemory, "no native memory left");
+}
+
+void appendUtf8(std::string& out, std::uint32_t c) {
+  if (c < 0x80) {
+    out.push_back(static_cast<char>(c));
+  } else if (c < 0x800) {
+    out.push_back(static_cast<char>(0xC0 | (c >> 6)));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  } else if (c < 0x10000) {
+    out.push_back(static_cast<char>(0xE0 | (c >> 12)));
+    out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  } else {
+    out.push_back(static_cast<char>(0xF0 | (c >> 18)));
+    out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  }
+}
+
+// UTF-8 to UTF-16; a byte that does not start a well-formed sequence becomes
+// U+FFFD.
+std::u16string utf16(const char* utf8, std::size_t size) {
+  std::u16string out;
+  out.reserve(size);
+  const auto* p = reinterpret_cast<const unsigned char*>(utf8);
+  std::size_t i = 0;
+  while (i < size) {
+    const unsigned char b = p[i];
+    std::uint32_t c = 0xFFFD;
+    std::size_t length = 1;
+    auto continuation = [&](std::size_t k) { return i + k < size && (p[i + k] & 0xC0) == 0x80; };
+    if (b < 0x80) {
+      c = b;
+    } else if (b >= 0xC2 && b < 0xE0 && continuation(1)) {
+      c = ((b & 0x1Fu) << 6) | (p[i + 1] & 0x3Fu);
+      length = 2;
+    } else if (b >= 0xE0 && b < 0xF0 && continuation(1) && continuation(2)) {
+      const std::uint32_t v = ((b & 0x0Fu) << 12) | ((p[i + 1] & 0x3Fu) << 6) | (p[i + 2] & 0x3Fu);
+      if (v >= 0x800 && (v < 0xD800 || v > 0xDFFF)) {
+        c = v;
+        length = 3;
+      }
+    } else if (b >= 0xF0 && b < 0xF5 && continuation(1) && continuation(2) && continuation(3)) {
+      const std::uint32_t v = ((b & 0x07u) << 18) | ((p[i + 1] & 0x3Fu) << 12) |
+                              ((p[i + 2] & 0x3Fu) << 6) | (p[i + 3] & 0x3Fu);
+      if (v >= 0x10000 && v <= 0x10FFFF) {
+        c = v;
+        length = 4;
+      }
+    }
+    if (c >= 0x10000) {
+      out.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+      out.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+    } else {
+      out.push_back(static_cast<char16_t>(c));
+    }
+    i += length;
+  }
+  return out;
+}
+
+}  // namespace
+
+Text::Text(JNIEnv* env, jstring text) {
+  if (text == nullptr) return;
+  present_ = true;
+  const jsize length = env->GetStringLength(text);
+  try {
+    std::u16string units(static_cast<std::size_t>(length), u'\0');
+    env->GetStringRegion(text, 0, length, reinterpret_cast<jchar*>(units.data()));
+    if (env->ExceptionCheck()) {
+      failed_ = true;
+      return;
+    }
+    utf8_.reserve(units.size());
+    for (std::size_t i = 0; i < units.size(); ++i) {
+      std::uint32_t c = units[i];
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+          units[i + 1] <= 0xDFFF) {
+        c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00u);
+        ++i;
+      } else if (c >= 0xD800 && c <= 0xDFFF) {
+        c = 0xFFFD;
+      }
+      appendUtf8(utf8_, c);
+    }
+  } catch (const std::bad_alloc&) {
+    failed_ = true;
+    throwOutOfMemory(env);
+  }
+}
+
+jstring newString(JNIEnv* env, const char* utf8, std::size_t size) {
+  bool ascii = true;
+  for (std::size_t i = 0; i < size; ++i) {
+    const auto c = static_cast<unsigned char>(utf8[i]);
+    if (c >= 0x80 || c == 0) {
+      ascii = false;
+      break;
+    }
+  }
+  try {
+    if (ascii) {
+      // Plain ASCII is also the JVM's modified UTF-8; it needs a terminator.
+      if (utf8[size] == '\0') return env->NewStringUTF(utf8);
+      const std::string copy(utf8, size);
+      return env->NewStringUTF(copy.c_str());
+    }
+    const std::u16string units = utf16(utf8, size);
+    return env->NewString(reinterpret_cast<const jchar*>(units.data()),
+                          static_cast<jsize>(units.size()));
+  } catch (const std::bad_alloc&) {
+    throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+jstring takeText(JNIEnv* env, char* owned) {
+  if (owned == nullptr) return nullptr;
+  jstring result = newString(env, owned, std::strlen(owned));
+  tavuro_string_free(owned);
+  return result;
+}
+
+namespace {
+// The text result that did not fit its buffer, until Java takes it.
+thread_local std::unique_ptr<char, void (*)(char*)> pendingText{nullptr, tavuro_string_free};
+}  // namespace
+
+jint putText(JNIEnv* env, jbyteArray buffer, char* owned) {
+  if (owned == nullptr) return -1;
+  const std::size_t size = std::strlen(owned);
+  if (size > 0x7FFFFFFF) {
+    tavuro_string_free(owned);
+    throwOutOfMemory(env);
+    return -1;
+  }
+  if (static_cast<jsize>(size) <= env->GetArrayLength(buffer)) {
+    env->SetByteArrayRegion(buffer, 0, static_cast<jsize>(size), reinterpret_cast<jbyte*>(owned));
+    tavuro_string_free(owned);
+  } else {
+    pendingText.reset(owned);
+  }
+  return static_cast<jint>(size);
+}
+
+jbyteArray newBytes(JNIEnv* env, const void* bytes, std::size_t size) {
+  if (size > 0x7FFFFFFF) {
+    throwOutOfMemory(env);
+    return nullptr;
+  }
+  jbyteArray array = env->NewByteArray(static_cast<jsize>(size));
+  if (array == nullptr) return nullptr;  // OutOfMemoryError pending
+  if (size > 0) {
+    env->SetByteArrayRegion(array, 0, static_cast<jsize>(size), static_cast<const jbyte*>(bytes));
+  }
+  return array;
+}
+
+namespace {
+
+// ---------------------------------------------------------------------------
+// JSON trees in the compact form that JsonTree.java reads
+// ---------------------------------------------------------------------------
+
+enum Tag : unsigned char {
+  kNull = 0,
+  kFalse = 1,
+  kTrue = 2,
+  kInt = 3,
+  kDouble = 4,
+  kUnsigned = 5,
+  kString = 6,
+  kArray = 7,
+  kObject = 8,
+  kAsciiString = 9,
+  kLongString = 10
+};
+
+// Strings at least this long do not go through the buffer: each becomes a
+// Java string of its own, which saves two copies of its bytes.
+constexpr std::size_t kLongStringBytes = 8192;
+
+// Writes a dictionary in the compact form. Keys are written once and then
+// referred to by number, so that Java makes one String per distinct key; the
+// table that finds them is open-addressed and never allocates per key.
+class TreeWriter {
+ public:
+  // `expected`: about how many bytes the text had; it sizes the output and the
+  // key table (one slot per 16 bytes of text, 64 to 4096 slots).
+  explicit TreeWriter(std::size_t expected) {
+    out_.reserve(expected < 65536 ? expected : 65536);
+    while (mask_ < 4095 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
+    slots_.resize(mask_ + 1);
+  }
+
+  void object(const tavuro::JsonDictionary& dictionary) {
+    out_.push_back(static_cast<char>(kObject));
+    const std::size_t n = dictionary.size();
+    unsigned64(n);
+    for (std::size_t i = 0; i < n; ++i) {
+      key(dictionary.keyAt(i));
+      value(dictionary.valueAt(i));
+    }
+  }
+
+  [[nodiscard]] const std::string& bytes() const { return out_; }
+  [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
+
+  // True when every byte of `text` is ASCII.
+  static bool ascii(std::string_view text) {
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, 8);
+      if ((word & 0x8080808080808080ULL) != 0) return false;
+    }
+    for (; i < text.size(); ++i) {
+      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
+    }
+    return true;
+  }
+
+ private:
+  struct Slot {
+    const char* data = nullptr;
+    std::size_t size = 0;
+    std::size_t number = 0;  // 0: empty
+  };
+
+  void value(const tavuro::JsonValue& v) {
+    switch (v.kind()) {
+      case tavuro::JsonValue::Kind::Null: out_.push_back(static_cast<char>(kNull)); return;
+      case tavuro::JsonValue::Kind::Boolean:
+        out_.push_back(
+            static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
+        return;
+      case tavuro::JsonValue::Kind::Number: number(v); return;
+      case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
+      case tavuro::JsonValue::Kind::Array: {
+        const std::optional<tavuro::JsonArray> array = v.arrayValue();
+        out_.push_back(static_cast<char>(kArray));
+        const std::size_t n = array->size();
+        unsigned64(n);
+        for (std::size_t i = 0; i < n; ++i) value((*array)[i]);
+        return;
+      }
+      case tavuro::JsonValue::Kind::Object: object(*v.dictionaryValue()); return;
+    }
+  }
+
+  void number(const tavuro::JsonValue& v) {
+    switch (*v.numberKind()) {
+      case tavuro::JsonValue::NumberKind::Int64: {
+        const std::int64_t i = *v.int64Value();
+        out_.push_back(static_cast<char>(kInt));
+        unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
+        return;
+      }
+      case tavuro::JsonValue::NumberKind::UInt64:
+        out_.push_back(static_cast<char>(kUnsigned));
+        fixed(*v.uint64Value());
+        return;
+      case tavuro::JsonValue::NumberKind::Double: {
+        const double d = *v.doubleValue();
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &d, sizeof bits);
+        out_.push_back(static_cast<char>(kDouble));
+        fixed(bits);
+        return;
+      }
+    }
+  }
+
+  void string(std::string_view text) {
+    if (text.size() >= kLongStringBytes) {
+      out_.push_back(static_cast<char>(kLongString));
+      unsigned64(longStrings_.size());
+      longStrings_.push_back(text);
+      return;
+    }
+    out_.push_back(static_cast<char>(ascii(text) ? kAsciiString : kString));
+    unsigned64(text.size());
+    out_.append(text.data(), text.size());
+  }
+
+  void key(std::string_view key) {
+    std::uint64_t hash = 1469598103934665603ULL ^ key.size();
+    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    Slot* empty = nullptr;
+    for (std::size_t i = hash & mask_, probes = 0; probes < 16; i = (i + 1) & mask_, ++probes) {
+      Slot& slot = slots_[i];
+      if (slot.number == 0) {
+        empty = &slot;
+        break;
+      }
+      if (slot.size == key.size() && std::memcmp(slot.data, key.data(), key.size()) == 0) {
+        unsigned64(slot.number);
+        return;
+      }
+    }
+    // Announced with 0: Java numbers every announced key, in order, whether
+    // or not the table here had room to remember it.
+    unsigned64(0);
+    string(key);
+    ++announced_;
+    if (empty != nullptr && announced_ <= mask_ / 2) *empty = {key.data(), key.size(), announced_};
+  }
+
+  void fixed(std::uint64_t v) {
+    char bytes[8];
+    for (char& b : bytes) {
+      b = static_cast<char>(v & 0xFF);
+      v >>= 8;
+    }
+    out_.append(bytes, 8);
+  }
+
+  void unsigned64(std::uint64_t v) {
+    while (v >= 0x80) {
+      out_.push_back(static_cast<char>((v & 0x7F) | 0x80));
+      v >>= 7;
+    }
+    out_.push_back(static_cast<char>(v));
+  }
+
+  std::string out_;
+  std::size_t mask_ = 63;
+  std::vector<Slot> slots_;
+  std::size_t announced_ = 0;
+  std::vector<std::string_view> longStrings_;
+};
+
+// The compact form of a dictionary: a byte array, or when it has long strings
+// an Object[] of the byte array and those strings in order. nullptr for none.
+jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
+                   std::size_t expected = 256) {
+  if (!dictionary) return nullptr;
+  try {
+    TreeWriter writer(expected);
+    writer.object(*dictionary);
+    jbyteArray tree = newBytes(env, writer.bytes().data(), writer.bytes().size());
+    const std::vector<std::string_view>& longStrings = writer.longStrings();
+    if (tree == nullptr || longStrings.empty()) return tree;
+    jobjectArray parts = env->NewObjectArray(static_cast<jsize>(longStrings.size() + 1),
+                                             cached.objectClass, nullptr);
+    if (parts == nullptr) return nullptr;
+    env->SetObjectArrayElement(parts, 0, tree);
+    env->DeleteLocalRef(tree);
+    for (std::size_t i = 0; i < longStrings.size(); ++i) {
+      // ASCII travels as bytes, which Java turns into a string at copying
+      // speed; anything else is decoded here.
+      const std::string_view s = longStrings[i];
+      jobject text = TreeWriter::ascii(s)
+                         ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
+                         : static_cast<jobject>(newString(env, s.data(), s.size()));
+      if (text == nullptr) return nullptr;
+      env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
+      env->DeleteLocalRef(text);
+    }
+    return parts;
+  } catch (const std::bad_alloc&) {
+    throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+// The 16 units from `units` as four words; true when all are ASCII.
+inline bool asciiUnits16(const jchar* units, std::uint64_t (&words)[4]) {
+  std::memcpy(words, units, sizeof words);
+  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80ULL) == 0;
+}
+
+// The four ASCII units of `word` (loaded little-endian) as four bytes in
+// memory order.
+#if !defined(__BYTE_ORDER__) || __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "packAscii assumes a little-endian machine"
+#endif
+inline std::uint32_t packAscii(std::uint64_t word) {
+  word = (word | (word >> 8)) & 0x0000FFFF0000FFFFULL;
+  return static_cast<std::uint32_t>(word | (word >> 16));
+}
+
+// Number of UTF-8 bytes of `n` UTF-16 units; -1 when a surrogate is unpaired.
+std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
+  std::size_t bytes = 0;
+  std::size_t i = 0;
+  while (i < n) {
+    // Sixteen ASCII units at a time: the common case of JSON text.
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      bytes += 16;
+      i += 16;
+      continue;
+    }
+    const jchar c = units[i++];
+    if (c < 0x80) {
+      bytes += 1;
+    } else if (c < 0x800) {
+      bytes += 2;
+    } else if (c < 0xD800 || c > 0xDFFF) {
+      bytes += 3;
+    } else if (c <= 0xDBFF && i < n && units[i] >= 0xDC00 && units[i] <= 0xDFFF) {
+      bytes += 4;
+      ++i;
+    } else {
+      return -1;
+    }
+  }
+  return static_cast<std::ptrdiff_t>(bytes);
+}
+
+// Writes the UTF-8 of `n` units that utf8Length accepted into `out`.
+void writeUtf8(const jchar* units, std::size_t n, char* out) {
+  std::size_t i = 0;
+  while (i < n) {
+    std::uint64_t words[4];
+    if (i + 16 <= n && asciiUnits16(units + i, words)) {
+      for (const std::uint64_t word : words) {
+        const std::uint32_t four = packAscii(word);
+        std::memcpy(out, &four, 4);
+        out += 4;
+      }
+      i += 16;
+      continue;
+    }
+    std::uint32_t c = units[i++];
+    if (c >= 0xD800 && c <= 0xDBFF) c = 0x10000 + ((c - 0xD800) << 10) + (units[i++] - 0xDC00u);
+    if (c < 0x80) {
+      *out++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+      *out++ = static_cast<char>(0xC0 | (c >> 6));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      *out++ = static_cast<char>(0xE0 | (c >> 12));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      *out++ = static_cast<char>(0xF0 | (c >> 18));
+      *out++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+}
+
+// Writes the exact UTF-8 of a Java string into `utf8` (the caller's buffer,
+// reused from call to call so that a large text does not map fresh pages
+// each time) and returns true; false, with `utf8` empty, when the string
+// holds an unpaired surrogate, which UTF-8 cannot carry. Reads the
+// characters in place.
+bool exactUtf8(JNIEnv* env, jstring text, std::string& utf8) {
+  utf8.clear();
+  const auto n = static_cast<std::size_t>(env->GetStringLength(text));
+  const jchar* units = env->GetStringCritical(text, nullptr);
+  if (units == nullptr) return false;  // OutOfMemoryError pending
+  bool exact = false;
+  try {
+    const std::ptrdiff_t length = utf8Length(units, n);
+    if (length >= 0) {
+      utf8.resize(static_cast<std::size_t>(length));
+      writeUtf8(units, n, utf8.data());
+      exact = true;
+    }
+  } catch (const std::bad_alloc&) {
+    env->ReleaseStringCritical(text, units);
+    throw;
+  }
+  env->ReleaseStringCritical(text, units);
+  return exact;
+}
+
+std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
+  if (array == nullptr) return std::nullopt;
+  const jsize length = env->GetArrayLength(array);
+  std::string bytes(static_cast<std::size_t>(length), '\0');
+  env->GetByteArrayRegion(array, 0, length, reinterpret_cast<jbyte*>(bytes.data()));
+  if (env->ExceptionCheck()) return std::nullopt;
+  return bytes;
+}
+
+// ---------------------------------------------------------------------------
+// Packages and the callback
+// ---------------------------------------------------------------------------
+
+struct PackageCall {
+  JNIEnv* env;
+  jobjectArray packages;
+  jsize index;
+};
+
+// Runs one Java package, fetched from the array only for its call so that
+// any number of packages needs one local reference at a time. Once one has
+// thrown, the exception stays pending and the packages after it are not
+// started.
+void initializePackage(void* context) {
+  auto* call = static_cast<PackageCall*>(context);
+  JNIEnv* env = call->env;
+  if (env->ExceptionCheck()) return;
+  jobject package = env->GetObjectArrayElement(call->packages, call->index);
+  if (package == nullptr) return;  // an exception is pending (Java checked for null)
+  env->CallVoidMethod(package, cached.packageInitialize);
+  env->DeleteLocalRef(package);
+}
+
+struct CallbackCall {
+  JNIEnv* env;
+  jobject callback;
+};
+
+void callBack(void* context, tavuro_TavuroError* error) {
+  auto* call = static_cast<CallbackCall*>(context);
+  JNIEnv* env = call->env;
+  if (env->ExceptionCheck() || call->callback == nullptr) return;
+  jobject javaError = nullptr;
+  if (error != nullptr) {
+    javaError = env->CallStaticObjectMethod(cached.errorClass, cached.errorWrap,
+                                            toJava(tavuro_TavuroError_retain(error)));
+    if (env->ExceptionCheck()) return;
+  }
+  env->CallVoidMethod(call->callback, cached.consumerAccept, javaError);
+  if (javaError != nullptr) env->DeleteLocalRef(javaError);
+}
+
+}  // namespace
+}  // namespace tavuro_jni
+
+using tavuro_jni::handle;
+using tavuro_jni::toJava;
+
+extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* /*reserved*/) {
+  JNIEnv* env = nullptr;
+  if (vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_8) != JNI_OK) return JNI_ERR;
+  auto globalClass = [env](const char* name) -> jclass {
+    jclass local = env->FindClass(name);
+    if (local == nullptr) return nullptr;
+    auto global = static_cast<jclass>(env->NewGlobalRef(local));
+    env->DeleteLocalRef(local);
+    return global;
+  };
+  tavuro_jni::Cached& c = tavuro_jni::cached;
+  c.outOfMemory = globalClass("java/lang/OutOfMemoryError");
+  c.objectClass = globalClass("java/lang/Object");
+  jclass package = globalClass("com/tavuro/common/ITavuroPackage");
+  jclass consumer = globalClass("java/util/function/Consumer");
+  c.errorClass = globalClass("com/tavuro/common/TavuroError");
+  if (c.outOfMemory == nullptr || c.objectClass == nullptr || package == nullptr ||
+      consumer == nullptr || c.errorClass == nullptr) {
+    return JNI_ERR;
+  }
+  c.packageInitialize = env->GetMethodID(package, "initialize", "()V");
+  if (c.packageInitialize == nullptr) return JNI_ERR;
+  c.consumerAccept = env->GetMethodID(consumer, "accept", "(Ljava/lang/Object;)V");
+  if (c.consumerAccept == nullptr) return JNI_ERR;
+  c.errorWrap = env->GetStaticMethodID(c.errorClass, "wrap", "(J)Lcom/tavuro/common/TavuroError;");
+  if (c.errorWrap == nullptr) return JNI_ERR;
+  env->DeleteGlobalRef(package);
+  env->DeleteGlobalRef(consumer);
+  return JNI_VERSION_1_8;
+}
+
+// Copies the text that putText kept into `whole`, which is exactly as long.
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_NativeLibrary_nTakePendingText(
+    JNIEnv* env, jclass /*unused*/, jbyteArray whole) {
+  const std::unique_ptr<char, void (*)(char*)> text = std::move(tavuro_jni::pendingText);
+  if (text == nullptr) return;
+  env->SetByteArrayRegion(whole, 0, env->GetArrayLength(whole),
+                          reinterpret_cast<const jbyte*>(text.get()));
+}
+
+// ---------------------------------------------------------------------------
+// Resource directory and the stored token
+// ---------------------------------------------------------------------------
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroCommon_nSetResourceDirectory(
+    JNIEnv* env, jclass /*unused*/, jstring directory) {
+  const tavuro_jni::Text text(env, directory);
+  if (!text.failed()) tavuro_setResourceDirectory(text.get());
+}
+
+extern "C" JNIEXPORT jstring JNICALL
+Java_com_tavuro_common_TavuroCommon_nResourceDirectory(JNIEnv* env, jclass /*unused*/) {
+  return tavuro_jni::takeText(env, tavuro_resourceDirectory());
+}
+
+// The C interface has no function for the stored token: this makes a token
+// record of the same text and expiration (the record is immutable, so the
+// copy cannot be told apart).
+extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Credential_nGetToken(JNIEnv* env,
+                                                                               jclass /*unused*/) {
+  try {
+    const std::shared_ptr<tavuro::TavuroJwtToken> token = tavuro::Credential::getToken();
+    if (!token) return 0;
+    const double seconds = token->expiration().time_since_epoch().count();
+    tavuro_TavuroJwtToken* copy =
+        tavuro_TavuroJwtToken_initWithValue_expiration(token->value().c_str(), seconds);
+    if (copy == nullptr) tavuro_jni::throwOutOfMemory(env);
+    return toJava(copy);
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return 0;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Start-up
+// ---------------------------------------------------------------------------
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInitialize(
+    JNIEnv* env, jclass /*unused*/, jlong initializer, jobjectArray packages, jobject callback) {
+  const jsize count = env->GetArrayLength(packages);
+  try {
+    std::vector<tavuro_jni::PackageCall> calls(static_cast<std::size_t>(count));
+    std::vector<tavuro_ITavuroPackage> list(static_cast<std::size_t>(count));
+    for (jsize i = 0; i < count; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      calls[k] = {env, packages, i};
+      list[k] = {tavuro_jni::initializePackage, &calls[k]};
+    }
+    tavuro_jni::CallbackCall done{env, callback};
+    tavuro_TavuroInitializer_initializeWithPackages_callback(
+        handle<tavuro_TavuroInitializer>(initializer), list.data(), list.size(),
+        tavuro_jni::callBack, &done);
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+  }
+}
+
+// ---------------------------------------------------------------------------
+// JSON
+// ---------------------------------------------------------------------------
+
+// The compact tree of a JSON text; null for a text that has no exact UTF-8 and
+// whatever convertToDictionary gives none for. The compact form is about as
+// long as the text, so the writer reserves that much.
+extern "C" JNIEXPORT jobject JNICALL
+Java_com_tavuro_common_Utils_nConvertToDictionary(JNIEnv* env, jclass /*unused*/, jstring text) {
+  try {
+    // One text buffer per thread, kept between calls up to 8 MB.
+    static thread_local std::optional<std::string> utf8;
+    if (!utf8) utf8.emplace();
+    if (!tavuro_jni::exactUtf8(env, text, *utf8)) return nullptr;
+    jobject tree =
+        tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8), utf8->size() + 64);
+    if (utf8->capacity() > (std::size_t{8} << 20)) utf8.reset();
+    return tree;
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+extern "C" JNIEXPORT jobject JNICALL
+Java_com_tavuro_common_TavuroJwtParser_nDecode(JNIEnv* env, jclass /*unused*/, jstring token) {
+  const tavuro_jni::Text text(env, token);
+  if (text.failed()) return nullptr;
+  try {
+    return tavuro_jni::encodeTree(env, tavuro::TavuroJwtParser().decode(text.str()));
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_TavuroJwtParser_nDecodeJWTPart(
+    JNIEnv* env, jclass /*unused*/, jstring segment) {
+  const tavuro_jni::Text text(env, segment);
+  if (text.failed()) return nullptr;
+  try {
+    return tavuro_jni::encodeTree(env, tavuro::TavuroJwtParser().decodeJWTPart(text.str()));
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_TavuroJwtParser_nBase64UrlDecode(
+    JNIEnv* env, jclass /*unused*/, jstring text) {
+  const tavuro_jni::Text argument(env, text);
+  if (argument.failed()) return nullptr;
+  tavuro_TavuroJwtParser* parser = tavuro_TavuroJwtParser_init();
+  tavuro_ByteBuffer* buffer = tavuro_TavuroJwtParser_base64UrlDecode(parser, argument.get());
+  tavuro_TavuroJwtParser_release(parser);
+  if (buffer == nullptr) return nullptr;
+  jbyteArray result =
+      tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer), tavuro_ByteBuffer_length(buffer));
+  tavuro_ByteBuffer_release(buffer);
+  return result;
+}
+
+// ---------------------------------------------------------------------------
+// Pictures and the image record
+// ---------------------------------------------------------------------------
+
+extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Picture_nMake(
+    JNIEnv* env, jclass /*unused*/, jint width, jint height, jint format, jbyteArray pixels) {
+  try {
+    const std::optional<std::string> bytes = tavuro_jni::bytesArgument(env, pixels);
+    if (!bytes) return 0;
+    return toJava(
+        tavuro_Picture_make(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                            static_cast<tavuro_PixelFormat>(format),
+                            reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()));
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return 0;
+  }
+}
+
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Picture_nWidth(JNIEnv* /*env*/,
+                                                                        jclass /*unused*/,
+                                                                        jlong picture) {
+  return static_cast<jint>(tavuro_Picture_width(handle<tavuro_Picture>(picture)));
+}
+
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Picture_nHeight(JNIEnv* /*env*/,
+                                                                         jclass /*unused*/,
+                                                                         jlong picture) {
+  return static_cast<jint>(tavuro_Picture_height(handle<tavuro_Picture>(picture)));
+}
+
+extern "C" JNIEXPORT jint JNICALL Java_com_tavuro_common_Picture_nPixelFormat(JNIEnv* /*env*/,
+                                                                              jclass /*unused*/,
+                                                                              jlong picture) {
+  return static_cast<jint>(tavuro_Picture_pixelFormat(handle<tavuro_Picture>(picture)));
+}
+
+extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_Picture_nPixels(JNIEnv* env,
+                                                                               jclass /*unused*/,
+                                                                               jlong picture) {
+  std::size_t size = 0;
+  const std::uint8_t* pixels = tavuro_Picture_pixels(handle<tavuro_Picture>(picture), &size);
+  return tavuro_jni::newBytes(env, pixels, size);
+}
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Picture_nRelease(JNIEnv* /*env*/,
+                                                                          jclass /*unused*/,
+                                                                          jlong picture) {
+  tavuro_Picture_release(handle<tavuro_Picture>(picture));
+}
+
+extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_Image_nImage(JNIEnv* /*env*/,
+                                                                       jclass /*unused*/,
+                                                                       jlong record) {
+  return toJava(tavuro_Image_image(handle<tavuro_Image>(record)));
+}
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Image_nSetImage(JNIEnv* /*env*/,
+                                                                         jclass /*unused*/,
+                                                                         jlong record,
+                                                                         jlong picture) {
+  tavuro_Image_setImage(handle<tavuro_Image>(record), handle<tavuro_Picture>(picture));
+}
+
+extern "C" JNIEXPORT jbyteArray JNICALL Java_com_tavuro_common_Image_nData(JNIEnv* env,
+                                                                           jclass /*unused*/,
+                                                                           jlong record) {
+  tavuro_ByteBuffer* buffer = tavuro_Image_data(handle<tavuro_Image>(record));
+  if (buffer == nullptr) return nullptr;
+  jbyteArray result =
+      tavuro_jni::newBytes(env, tavuro_ByteBuffer_bytes(buffer), tavuro_ByteBuffer_length(buffer));
+  tavuro_ByteBuffer_release(buffer);
+  return result;
+}
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Image_nSetData(JNIEnv* env,
+                                                                        jclass /*unused*/,
+                                                                        jlong record,
+                                                                        jbyteArray data) {
+  try {
+    tavuro_ByteBuffer* buffer = nullptr;
+    if (data != nullptr) {
+      const std::optional<std::string> bytes = tavuro_jni::bytesArgument(env, data);
+      if (!bytes) return;
+      buffer = tavuro_ByteBuffer_initWithBytes_length(bytes->data(), bytes->size());
+      if (buffer == nullptr) {
+        tavuro_jni::throwOutOfMemory(env);
+        return;
+      }
+    }
+    tavuro_Image_setData(handle<tavuro_Image>(record), buffer);
+    tavuro_ByteBuffer_release(buffer);
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+  }
+}
+
+extern "C" JNIEXPORT jdoubleArray JNICALL Java_com_tavuro_common_Image_nPoints(JNIEnv* env,
+                                                                               jclass /*unused*/,
+                                                                               jlong record) {
+  const auto* image = handle<tavuro_Image>(record);
+  try {
+    std::vector<tavuro_Point> points(tavuro_Image_points(image, nullptr, 0));
+    points.resize(tavuro_Image_points(image, points.data(), points.size()));
+    std::vector<double> xy;
+    xy.reserve(points.size() * 2);
+    for (const tavuro_Point& p : points) {
+      xy.push_back(p.x);
+      xy.push_back(p.y);
+    }
+    jdoubleArray result = env->NewDoubleArray(static_cast<jsize>(xy.size()));
+    if (result == nullptr) return nullptr;
+    env->SetDoubleArrayRegion(result, 0, static_cast<jsize>(xy.size()), xy.data());
+    return result;
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+    return nullptr;
+  }
+}
+
+extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_Image_nSetPoints(JNIEnv* env,
+                                                                          jclass /*unused*/,
+                                                                          jlong record,
+                                                                          jdoubleArray xy) {
+  try {
+    std::vector<double> values(static_cast<std::size_t>(env->GetArrayLength(xy)));
+    env->GetDoubleArrayRegion(xy, 0, static_cast<jsize>(values.size()), values.data());
+    if (env->ExceptionCheck()) return;
+    std::vector<tavuro_Point> points(values.size() / 2);
+    for (std::size_t i = 0; i < points.size(); ++i) points[i] = {values[2 * i], values[2 * i + 1]};
+    tavuro_Image_setPoints(handle<tavuro_Image>(record), points.data(), points.size());
+  } catch (const std::bad_alloc&) {
+    tavuro_jni::throwOutOfMemory(env);
+  }
+}
+
+// ---------------------------------------------------------------------------
+// For the binding's tests and benchmarks only (class NativeProbe there)
+// ---------------------------------------------------------------------------
+
+// Bytes of the native heap in use now.
+extern "C" JNIEXPORT jlong JNICALL Java_com_tavuro_common_NativeProbe_heapInUse(JNIEnv* /*env*/,
+                                                                                jclass /*unused*/) {
+#if defined(__GLIBC__)
+  return static_cast<jlong>(mallinfo2().uordblks);
+#else
+  return static_cast<jlong>(mallinfo().uordblks);
+#endif
+}
+
+// What the native getter `which` (0 int, 1 double, 2 string, 3 boolean,
+// 4 object, 5 array, 6 array from JSON) gives for `key` of the dictionary of
+// `json`: a Long, Double, String or Boolean, or for the last three the key
+// count or element count as a Long (null when absent).
+extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_NativeProbe_nativeGetter(
+    JNIEnv* env, jclass /*unused*/, jint which, jstring json, jstring key) {
+  const tavuro_jni::Text jsonText(env, json);
+  const tavuro_jni::Text keyText(env, key);
+  if (jsonText.failed() || keyText.failed()) return nullptr;
+  const std::optional<tavuro::JsonDictionary> dictionary =
+      jsonText.present() ? tavuro::Utils::convertToDictionary(jsonText.str()) : std::nullopt;
+  const std::string& k = keyText.str();
+  auto box = [env](const char* cls, const char* signature, auto value) -> jobject {
+    jclass boxClass = env->FindClass(cls);
+    if (boxClass == nullptr) return nullptr;
+    jmethodID valueOf = env->GetStaticMethodID(boxClass, "valueOf", signature);
+    if (valueOf == nullptr) return nullptr;
+    jobject boxed = env->CallStaticObjectMethod(boxClass, valueOf, value);
+    env->DeleteLocalRef(boxClass);
+    return boxed;
+  };
+  auto count = [&box](std::size_t n) {
+    return box("java/lang/Long", "(J)Ljava/lang/Long;", static_cast<jlong>(n));
+  };
+  switch (which) {
+    case 0:
+      return box("java/lang/Long", "(J)Ljava/lang/Long;",
+                 static_cast<jlong>(tavuro::Utils::getIntValue(dictionary, k)));
+    case 1:
+      return box("java/lang/Double", "(D)Ljava/lang/Double;",
+                 tavuro::Utils::getDoubleValue(dictionary, k));
+    case 2: {
+      const std::string s = tavuro::Utils::getStringValue(dictionary, k);
+      return tavuro_jni::newString(env, s.data(), s.size());
+    }
+    case 3:
+      return box("java/lang/Boolean", "(Z)Ljava/lang/Boolean;",
+                 static_cast<jboolean>(tavuro::Utils::getBooleanValue(dictionary, k) ? JNI_TRUE
+                                                                                     : JNI_FALSE));
+    case 4: {
+      const auto object = tavuro::Utils::getObjectValue(dictionary, k);
+      return object ? count(object->size()) : nullptr;
+    }
+    case 5: {
+      const auto array = tavuro::Utils::getArrayValue(dictionary, k);
+      return array ? count(array->size()) : nullptr;
+    }
+    default: {
+      const auto array = tavuro::Utils::getArrayValueFromJson(dictionary, k);
+      return array ? count(array->size()) : nullptr;
+    }
+  }
+}
+
+// Nanoseconds per call of the C++ getTavuroAuthHeader over `calls` calls.
+extern "C" JNIEXPORT jdouble JNICALL Java_com_tavuro_common_NativeProbe_nativeAuthHeaderNanos(
+    JNIEnv* /*env*/, jclass /*unused*/, jint calls) {
+  std::size_t total = 0;
+  const auto start = std::chrono::steady_clock::now();
+  for (jint i = 0; i < calls; ++i) {
+    const std::optional<std::string> header = tavuro::Credential::getTavuroAuthHeader();
+    total += header ? header->size() : 0;
+  }
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  if (total == 1) return -1.0;  // keeps the loop from being optimised away
+  return std::chrono::duration<double, std::nano>(elapsed).count() / (calls > 0 ? calls : 1);
+}
