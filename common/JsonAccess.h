@@ -56,6 +56,10 @@ struct JsonAccess {
     if (dictionary.node_ == nullptr) return nullptr;
     return platform::findMember(document(dictionary.document_), *node(dictionary.node_), key);
   }
+  /// The object node of `dictionary`; null for a default-made one.
+  [[nodiscard]] static const platform::JsonNode* node(const JsonDictionary& dictionary) noexcept {
+    return node(dictionary.node_);
+  }
   /// `node`, an object or array of the same document as `owner`.
   [[nodiscard]] static JsonDictionary dictionary(const JsonDictionary& owner,
                                                  const platform::JsonNode* node) {

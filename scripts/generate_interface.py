@@ -27,6 +27,8 @@ import shutil
 import subprocess
 import sys
 
+from generate_swift import swift_regions
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 TABLE = "interface/TavuroCommon.json"
 PUBLIC_HEADER = "common/include/TavuroCommon/TavuroCommon.h"
@@ -533,6 +535,7 @@ def main(argv):
         outputs = {PUBLIC_HEADER: public_header_regions(interface), C_HEADER: c_header_regions(interface),
                    C_SOURCE: c_source_regions(interface), ERROR_INFO_SOURCE: error_info_regions(interface),
                    DOC: doc_regions(interface), EXPORT_MAP: map_regions(interface)}
+        outputs.update(swift_regions(interface))
         if not options.check and not options.clang_format:
             raise TableError("writing needs clang-format-14 (or --clang-format PROGRAM)")
         stale = []
