@@ -77,7 +77,8 @@ DOCS = {
                            "A text without any \".\" ends the process.",
     "Credential.getToken": "The stored session token, expired or not; `nil` when none is stored.",
     "Credential.isCredentialValid": "Whether a request to `endpoint` can be made: `false` for `nil` or an empty "
-                                    "endpoint; else `true` while a token is stored or the credentials are complete.",
+                                    "endpoint; else `true` when user name, password and subscription are all "
+                                    "non-empty, or while a token is stored (expired or not).",
     "Credential.getTavuroAuthHeader": "The \"Authorization\" value: \"Bearer \" and the token while one is stored, "
                                       "else the Basic value; `nil` when neither can be made.",
     "Credential.getBasicAuthHeader": "\"Basic \" and the base64 of user name \":\" password; `nil` when either is absent.",

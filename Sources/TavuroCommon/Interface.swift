@@ -106,7 +106,8 @@ open class Credential {
     }
 
     /// Whether a request to `endpoint` can be made: `false` for `nil` or an empty endpoint; else
-    /// `true` while a token is stored or the credentials are complete.
+    /// `true` when user name, password and subscription are all non-empty, or while a token is
+    /// stored (expired or not).
     open class func isCredentialValid(endpoint: String?) -> Bool {
         Irregular.prepareResourceDirectory()
         return tavuro_Credential_isCredentialValidWithEndpoint(endpoint)
