@@ -26,6 +26,7 @@ let package = Package(
             linkerSettings: [.linkedLibrary("pthread", .when(platforms: [.linux]))]
         ),
         .target(name: "TavuroCommon", dependencies: ["CTavuroCommon"]),
+        .executableTarget(name: "TavuroExample", dependencies: ["TavuroCommon"]),
         .testTarget(name: "TavuroCommonTests", dependencies: ["TavuroCommon", "CTavuroCommon"]),
     ],
     cxxLanguageStandard: .cxx17
