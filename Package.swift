@@ -27,6 +27,8 @@ let package = Package(
         ),
         .target(name: "TavuroCommon", dependencies: ["CTavuroCommon"]),
         .executableTarget(name: "TavuroExample", dependencies: ["TavuroCommon"]),
+        .target(name: "CTavuroBenchmarks", dependencies: ["CTavuroCommon"]),
+        .executableTarget(name: "TavuroBenchmarks", dependencies: ["TavuroCommon", "CTavuroBenchmarks"]),
         .testTarget(name: "TavuroCommonTests", dependencies: ["TavuroCommon", "CTavuroCommon"]),
     ],
     cxxLanguageStandard: .cxx17

@@ -87,6 +87,12 @@ struct JsonReadResult {
   return result;
 }
 
+/// What `Utils::convertToDictionary` gives for a present text: the dictionary
+/// of a JSON object text; nothing for an array (silently) and for text that
+/// is not JSON, which also prints the reader's one-line error description on
+/// standard output. Defined in common/Utils.cpp.
+[[nodiscard]] std::optional<JsonDictionary> dictionaryOfText(std::string_view text);
+
 }  // namespace tavuro::detail
 
 #endif  // TAVURO_COMMON_JSONACCESS_H_

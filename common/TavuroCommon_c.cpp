@@ -387,6 +387,15 @@ const tavuro_JsonNode* tavuro_JsonDictionary_nodes(const tavuro_JsonDictionary* 
   return node != nullptr ? reinterpret_cast<const tavuro_JsonNode*>(node) : &emptyObject;
 }
 
+tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithBytes_length(const char* bytes,
+                                                                        size_t length) {
+  if (bytes == nullptr) return nullptr;
+  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
+    return wrap<tavuro_JsonDictionary>(
+        tavuro::detail::dictionaryOfText(std::string_view(bytes, length)));
+  });
+}
+
 tavuro_TavuroJwtToken* tavuro_Credential_getToken(void) {
   return guarded<tavuro_TavuroJwtToken*>(
       nullptr, [&] { return wrap<tavuro_TavuroJwtToken>(tavuro::Credential::getToken()); });

@@ -147,6 +147,11 @@ DOCS = {
     "resourceDirectory": "The resource directory in force now (\"\" when none can be found).",
 }
 
+# Members whose body is written by hand although their C function is regular:
+# whole JSON texts cross with their length (no copy to find the end, and a NUL
+# inside a text is read as the C++ interface reads it).
+HAND_WRITTEN = {"Utils.convertToDictionary"}
+
 # Classes whose one instance is the library's own.
 SINGLE_INSTANCE = {"Credential", "DocumentProcessingMode"}
 
@@ -181,7 +186,7 @@ class SwiftWriter:
 
     def regular(self, cls, member):
         """Whether the member's body can be written by rule from its C function."""
-        if member.get("c") in ("manual", "none"):
+        if member.get("c") in ("manual", "none") or "%s.%s" % (cls["name"], member["name"]) in HAND_WRITTEN:
             return False
         if member.get("selector") is None and member["kind"] != "init":
             return False
@@ -275,7 +280,8 @@ class SwiftWriter:
             return out
 
         def call(function, extra):
-            return "%s(%s)" % (function, ", ".join(extra + [self.to_c(a["type"], a["name"]) for a in args]))
+            expression = "%s(%s)" % (function, ", ".join(extra + [self.to_c(a["type"], a["name"]) for a in args]))
+            return with_texts(args, expression)
 
         if kind == "init":
             if member.get("selector") is None:
@@ -321,8 +327,9 @@ class SwiftWriter:
             else:
                 lines.append("        get { %s }" % self.from_c(result, "%s(%s)" % (
                     self.c_function(name, member), ", ".join(extra))))
-                lines.append("        set { %s(%s) }" % (self.c_function(name, member, setter=True), ", ".join(
-                    extra + [self.to_c(result, "newValue")])))
+                setter = "%s(%s)" % (self.c_function(name, member, setter=True), ", ".join(
+                    extra + [self.to_c(result, "newValue")]))
+                lines.append("        set { %s }" % with_texts([{"name": "newValue", "type": result}], setter))
             lines.append("    }")
         else:
             raise ValueError("no Swift form for %s.%s" % (name, member["name"]))
@@ -415,8 +422,8 @@ class SwiftWriter:
             lines.append("public func %s(%s)%s {" % (function["name"], self.params(function["args"]), arrow))
             if function["name"] == "setResourceDirectory":
                 lines.append("    Irregular.hostNamedResourceDirectory()")
-            expression = "tavuro_%s(%s)" % (function["name"], ", ".join(
-                self.to_c(a["type"], a["name"]) for a in function["args"]))
+            expression = with_texts(function["args"], "tavuro_%s(%s)" % (function["name"], ", ".join(
+                self.to_c(a["type"], a["name"]) for a in function["args"])))
             lines.append("    " + (expression if result == "void" else "return " + self.from_c(result, expression)))
             lines.append("}")
             lines.append("")
@@ -433,6 +440,15 @@ class SwiftWriter:
         out += self.error_lines() + [""]
         out += self.function_lines()
         return out
+
+
+def with_texts(args, expression):
+    """`expression` inside withText for each optional text argument, which passes a native
+    String's own bytes (an optional String converted implicitly would be copied)."""
+    for arg in reversed(args):
+        if arg["type"] == "text?":
+            expression = "withText(%s) { %s in %s }" % (arg["name"], arg["name"], expression)
+    return expression
 
 
 def swift_case(name):

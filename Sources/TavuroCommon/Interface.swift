@@ -110,7 +110,7 @@ open class Credential {
     /// stored (expired or not).
     open class func isCredentialValid(endpoint: String?) -> Bool {
         Irregular.prepareResourceDirectory()
-        return tavuro_Credential_isCredentialValidWithEndpoint(endpoint)
+        return withText(endpoint) { endpoint in tavuro_Credential_isCredentialValidWithEndpoint(endpoint) }
     }
 
     /// The "Authorization" value: "Bearer " and the token while one is stored, else the Basic
@@ -129,19 +129,19 @@ open class Credential {
     /// Stores the user name (`nil` clears it), then rewrites the configuration file.
     open class func setUsername(username: String?) {
         Irregular.prepareResourceDirectory()
-        tavuro_Credential_setUsernameWithUsername(username)
+        withText(username) { username in tavuro_Credential_setUsernameWithUsername(username) }
     }
 
     /// Stores the password (`nil` clears it), then rewrites the configuration file.
     open class func setPassword(password: String?) {
         Irregular.prepareResourceDirectory()
-        tavuro_Credential_setPasswordWithPassword(password)
+        withText(password) { password in tavuro_Credential_setPasswordWithPassword(password) }
     }
 
     /// Stores the subscription (`nil` clears it), then rewrites the configuration file.
     open class func setSubscription(subscription: String?) {
         Irregular.prepareResourceDirectory()
-        tavuro_Credential_setSubscriptionWithSubscription(subscription)
+        withText(subscription) { subscription in tavuro_Credential_setSubscriptionWithSubscription(subscription) }
     }
 
     /// Keeps `endpoints` itself, not a copy (`nil` clears it), then rewrites the configuration
@@ -176,31 +176,31 @@ open class Endpoints {
     /// The FRM service's base address; `nil` when unset.
     open var frmEndpoint: String? {
         get { takeText(tavuro_Endpoints_frmEndpoint(handle)) }
-        set { tavuro_Endpoints_setFrmEndpoint(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_Endpoints_setFrmEndpoint(handle, newValue) } }
     }
 
     /// The document authentication service's base address; `nil` when unset.
     open var idEndpoint: String? {
         get { takeText(tavuro_Endpoints_idEndpoint(handle)) }
-        set { tavuro_Endpoints_setIdEndpoint(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_Endpoints_setIdEndpoint(handle, newValue) } }
     }
 
     /// The passive liveness service's base address; `nil` when unset.
     open var passiveLivenessEndpoint: String? {
         get { takeText(tavuro_Endpoints_passiveLivenessEndpoint(handle)) }
-        set { tavuro_Endpoints_setPassiveLivenessEndpoint(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_Endpoints_setPassiveLivenessEndpoint(handle, newValue) } }
     }
 
     /// The health insurance card service's base address; `nil` when unset.
     open var healthInsuranceEndpoint: String? {
         get { takeText(tavuro_Endpoints_healthInsuranceEndpoint(handle)) }
-        set { tavuro_Endpoints_setHealthInsuranceEndpoint(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_Endpoints_setHealthInsuranceEndpoint(handle, newValue) } }
     }
 
     /// The chip verification service's base address; `nil` when unset.
     open var kelmoEndpoint: String? {
         get { takeText(tavuro_Endpoints_kelmoEndpoint(handle)) }
-        set { tavuro_Endpoints_setKelmoEndpoint(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_Endpoints_setKelmoEndpoint(handle, newValue) } }
     }
 
     /// A new record with every address absent, as `init()` makes it.
@@ -310,7 +310,7 @@ public final class TavuroError: Error, @unchecked Sendable {
 
     /// A record holding `errorCode` and `errorDescription` (`nil` stays absent).
     public init(errorCode: Int64, errorDescription: String?) {
-        handle = made(tavuro_TavuroError_initWithErrorCode_errorDescription(errorCode, errorDescription))
+        handle = made(withText(errorDescription) { errorDescription in tavuro_TavuroError_initWithErrorCode_errorDescription(errorCode, errorDescription) })
     }
 
     /// A new record with code 0 and no description, as `init()` makes it.
@@ -327,7 +327,7 @@ public final class TavuroError: Error, @unchecked Sendable {
     /// The error text, one of `TavuroErrorDescriptions`; `nil` when unset.
     public var errorDescription: String? {
         get { takeText(tavuro_TavuroError_errorDescription(handle)) }
-        set { tavuro_TavuroError_setErrorDescription(handle, newValue) }
+        set { withText(newValue) { newValue in tavuro_TavuroError_setErrorDescription(handle, newValue) } }
     }
 }
 
@@ -442,7 +442,7 @@ public final class Utils {
     /// array and for text that is not JSON, which also prints the reader's one-line error
     /// description on standard output.
     public static func convertToDictionary(text: String?) -> [String: Any]? {
-        return takeDictionary(tavuro_Utils_convertToDictionaryWithText(text))
+        return Irregular.Utils_convertToDictionary(text: text)
     }
 
     /// The integer under `key`; 0 when `jsonDict` is `nil`, the key is missing, or the value is not
@@ -489,7 +489,7 @@ public final class Utils {
     /// "/Date(1234567890000)/" gives "02-13-2009" (GMT, "MM-dd-yyyy"); a text that is not a plain
     /// millisecond count comes back unchanged. `nil` ends the process.
     public static func dateFieldToDateString(dateStr: String?) -> String? {
-        return takeText(tavuro_Utils_dateFieldToDateStringWithDateStr(dateStr))
+        return takeText(withText(dateStr) { dateStr in tavuro_Utils_dateFieldToDateStringWithDateStr(dateStr) })
     }
 
     /// The JPEG quality for images sent to services (0.9 at first); any value is stored unchanged.

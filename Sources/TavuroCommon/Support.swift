@@ -21,6 +21,13 @@ func takeText(_ text: UnsafeMutablePointer<CChar>?) -> String? {
     return String(cString: text)
 }
 
+/// Runs `body` on the NUL-terminated UTF-8 of `text` (NULL for `nil`).
+@inline(__always)
+func withText<R>(_ text: String?, _ body: (UnsafePointer<CChar>?) -> R) -> R {
+    guard let text else { return body(nil) }
+    return text.withCString { body($0) }
+}
+
 /// The bytes of a buffer the C interface handed over; gives its reference back.
 func takeBytes(_ buffer: OpaquePointer?) -> Data? {
     guard let buffer else { return nil }
@@ -206,6 +213,22 @@ enum Irregular {
     static func Utils_getArrayValueFromJson(jsonDict: [String: Any]?, key: String) -> [Any]? {
         Utils_getArrayValue(jsonDict: jsonDict, key: key)
     }
+
+    static func Utils_convertToDictionary(text: String?) -> [String: Any]? {
+        guard var text else { return nil }
+        let handle = text.withUTF8 { bytes in
+            bytes.withMemoryRebound(to: CChar.self) { chars in
+                tavuro_Utils_convertToDictionaryWithBytes_length(chars.baseAddress ?? emptyText, chars.count)
+            }
+        }
+        return takeDictionary(handle)
+    }
+
+    private static let emptyText: UnsafePointer<CChar> = {
+        let text = UnsafeMutablePointer<CChar>.allocate(capacity: 1)
+        text.initialize(to: 0)
+        return UnsafePointer(text)
+    }()
 
     // MARK: Members whose C function is written by hand
 

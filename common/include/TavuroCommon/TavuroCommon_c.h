@@ -500,6 +500,12 @@ TAVURO_EXPORT char* tavuro_Utils_SDK_VERSION_CODE(void);
 TAVURO_EXPORT void tavuro_Utils_setSDK_VERSION_CODE(const char* versionCode);
 /* END generated: Utils */
 
+/** tavuro_Utils_convertToDictionaryWithText for a text given with its length
+ * in bytes: it need not end in NUL, and NUL bytes inside it are read as part
+ * of it. NULL for NULL `bytes`. For bindings whose texts carry their length. */
+TAVURO_EXPORT tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithBytes_length(
+    const char* bytes, size_t length);
+
 /* ======================================================================== */
 /* Endpoints                                                                */
 /* ======================================================================== */
