@@ -441,7 +441,7 @@ def doc_regions(interface):
             continue
         rows = []
         for member in cls["members"]:
-            if member.get("selector") is None and member["kind"] != "init":
+            if member.get("selector") is None and member["kind"] != "init" and "c_function" not in member:
                 native_only.append("`%s`" % cxx_member(cls["name"], member, "call"))
             for function, role in c_functions(cls["name"], member):
                 selector = member["setter"] if role == "set" else member["selector"]
@@ -453,7 +453,8 @@ def doc_regions(interface):
                   for e in interface.codes()])
     table(descriptions, [(e["description"], "tavuro_%s_%s" % (descriptions, e["description"]),
                           "%s::%s" % (descriptions, e["description"])) for e in interface.errors["entries"]])
-    lines.append("Reachable only from C++, with no C function: %s." % ", ".join(native_only))
+    if native_only:
+        lines.append("Reachable only from C++, with no C function: %s." % ", ".join(native_only))
     return {"tables": lines}
 
 
@@ -517,6 +518,8 @@ def manual_problems(interface, c_header):
     problems = []
     for cls in interface.classes:
         for member in cls["members"]:
+            if "c_function" in member and member["c_function"] not in declared:
+                problems.append("%s is not declared in %s" % (member["c_function"], C_HEADER))
             if member.get("c") == "manual":
                 problems += ["%s is written by hand but not declared in %s" % (function, C_HEADER)
                              for function, _ in c_functions(cls["name"], member) if function not in declared]

@@ -110,7 +110,8 @@ enum JsonScalar {
     private static let booleanClass: AnyClass = type(of: NSNumber(value: true))
 
     init(_ value: Any) {
-        if let number = value as? NSNumber, type(of: value) is NSNumber.Type {
+        // The type test first: a cast alone would also box a Swift number.
+        if type(of: value) is NSNumber.Type, let number = value as? NSNumber {
             self.init(number: number)
             return
         }
