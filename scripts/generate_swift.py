@@ -143,7 +143,8 @@ DOCS = {
     "Utils.SDK_VERSION_CODE": "The kit's version text (\"11.4.10\" at first); any text is stored unchanged.",
     "setResourceDirectory": "Names the directory that stands for the app's resource bundle (where "
                             "\"TavuroConfig.plist\" lies). Call it before the first use of `Credential`; later calls "
-                            "do not reload the store.",
+                            "do not reload the store. Without it: on Apple platforms the app's main bundle; "
+                            "elsewhere `TAVURO_RESOURCE_PATH`, else the directory of the running executable.",
     "resourceDirectory": "The resource directory in force now (\"\" when none can be found).",
 }
 

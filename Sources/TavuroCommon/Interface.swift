@@ -690,7 +690,9 @@ public final class TavuroErrorDescriptions {
 }
 
 /// Names the directory that stands for the app's resource bundle (where "TavuroConfig.plist" lies).
-/// Call it before the first use of `Credential`; later calls do not reload the store.
+/// Call it before the first use of `Credential`; later calls do not reload the store. Without it:
+/// on Apple platforms the app's main bundle; elsewhere `TAVURO_RESOURCE_PATH`, else the directory
+/// of the running executable.
 public func setResourceDirectory(directory: String) {
     Irregular.hostNamedResourceDirectory()
     tavuro_setResourceDirectory(directory)

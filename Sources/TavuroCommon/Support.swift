@@ -291,14 +291,19 @@ enum Irregular {
 
     // MARK: The resource directory
 
-    private static let lock = NSLock()
-    nonisolated(unsafe) private static var directoryNamed = false
+    /// Whether the host named the resource directory itself.
+    private final class NamedDirectory: @unchecked Sendable {
+        let lock = NSLock()
+        var named = false  // guarded by `lock`
+    }
+
+    private static let namedDirectory = NamedDirectory()
 
     /// Called by `setResourceDirectory(directory:)`: the host's choice stands.
     static func hostNamedResourceDirectory() {
-        lock.lock()
-        directoryNamed = true
-        lock.unlock()
+        namedDirectory.lock.lock()
+        namedDirectory.named = true
+        namedDirectory.lock.unlock()
     }
 
     /// On Apple platforms, names the app's main bundle as the resource
@@ -312,10 +317,10 @@ enum Irregular {
 
     #if canImport(Darwin)
     private static let mainBundleNamed: Void = {
-        lock.lock()
-        defer { lock.unlock() }
+        namedDirectory.lock.lock()
+        defer { namedDirectory.lock.unlock() }
         let fromEnvironment = ProcessInfo.processInfo.environment["TAVURO_RESOURCE_PATH"] ?? ""
-        if !directoryNamed, fromEnvironment.isEmpty, let path = Bundle.main.resourcePath {
+        if !namedDirectory.named, fromEnvironment.isEmpty, let path = Bundle.main.resourcePath {
             tavuro_setResourceDirectory(path)
         }
     }()

@@ -39,11 +39,11 @@ private func answers(_ dictionary: [String: Any]?, _ text: String, _ key: String
     let objectCount: Int = object.map { Int(tavuro_JsonDictionary_count($0)) } ?? -1
     let arrayCount: Int = array.map { Int(tavuro_JsonArray_count($0)) } ?? -1
     let sameArrayCount: Int = sameArray.map { Int(tavuro_JsonArray_count($0)) } ?? -1
-    let text: String = string == nil ? "" : cxxText(handle, key)
+    let stringAnswer: String = string == nil ? "" : cxxText(handle, key)
     let cxx: [String] = [
         String(tavuro_Utils_getIntValueWithJsonDict_key(handle, key)),
         String(tavuro_Utils_getDoubleValueWithJsonDict_key(handle, key).bitPattern),
-        text,
+        stringAnswer,
         String(tavuro_Utils_getBooleanValueWithJsonDict_key(handle, key)),
         String(objectCount), String(arrayCount), String(sameArrayCount),
     ]
