@@ -9,6 +9,7 @@ interface/TavuroCommon.json: NAME" and a line "END generated: NAME":
   common/TavuroCommon_c.cpp                     the regular C wrappers
   docs/c-interface.md                           the tables of names
   cmake/TavuroCommon.map                        the exported C++ free functions
+  Sources/TavuroCommon/Interface.swift          the regular Swift layer (scripts/generate_swift.py)
 
   generate_interface.py [--clang-format PROGRAM]          rewrite the regions
   generate_interface.py --check [--clang-format PROGRAM]  exit 1 when a region is stale

@@ -106,10 +106,16 @@ private final class HostInitializer: TavuroInitializer {
         #expect(stored?.value == token && stored?.isValid() == true)
         #expect(stored?.expiration == Date(timeIntervalSince1970: TimeInterval(later)))
         #expect(Credential.getTavuroAuthHeader() == "Bearer " + token)
-        #expect(TavuroJwtParser().decode(jwtToken: token)["exp"] as? NSNumber == NSNumber(value: later))
+        let parser = TavuroJwtParser()
+        #expect(parser.decode(jwtToken: token)["exp"] as? NSNumber == NSNumber(value: later))
+        #expect(parser.parseToken(jwtToken: token)?.value == token && parser.parseToken(jwtToken: "e30.e30.x") == nil)
+        #expect(parser.base64UrlDecode("AQI") == Data([1, 2]) && parser.decodeJWTPart("e30")?.isEmpty == true)
         #expect(Credential.removeToken() && Credential.getToken() == nil)
         Credential.setUsername(username: nil)
-        #expect(Credential.getTavuroAuthHeader() == nil)
+        #expect(Credential.getTavuroAuthHeader() == nil && Credential.password() == "pass")
+        Credential.setPassword(password: "")
+        Credential.setEndpoints(endpoints: Endpoints.newInstance())
+        #expect(Credential.password() == "" && Credential.endpoints()?.kelmoEndpoint == nil)
     }
 
     @Test func recordsTablesAndSettingsKeepTheirSwiftTypes() throws {
