@@ -21,6 +21,7 @@ let package = Package(
                 .headerSearchPath("."),
                 .headerSearchPath("common/include"),
                 .define("TAVURO_BUILDING_LIBRARY"),
+                // The build-time default of CMakeLists.txt; scripts/test checks that they agree.
                 .define("TAVURO_KELMO_DEFAULT_ENDPOINT", to: "\"https://kelmo.tavuro.com/api/\""),
             ],
             linkerSettings: [.linkedLibrary("pthread", .when(platforms: [.linux]))]
