@@ -56,6 +56,10 @@ struct JsonAccess {
     if (dictionary.node_ == nullptr) return nullptr;
     return platform::findMember(document(dictionary.document_), *node(dictionary.node_), key);
   }
+  /// The object node of `dictionary`; null for a default-made one.
+  [[nodiscard]] static const platform::JsonNode* node(const JsonDictionary& dictionary) noexcept {
+    return node(dictionary.node_);
+  }
   /// `node`, an object or array of the same document as `owner`.
   [[nodiscard]] static JsonDictionary dictionary(const JsonDictionary& owner,
                                                  const platform::JsonNode* node) {
@@ -82,6 +86,12 @@ struct JsonReadResult {
   result.errorDescription = std::move(parsed.errorDescription);
   return result;
 }
+
+/// What `Utils::convertToDictionary` gives for a present text: the dictionary
+/// of a JSON object text; nothing for an array (silently) and for text that
+/// is not JSON, which also prints the reader's one-line error description on
+/// standard output. Defined in common/Utils.cpp.
+[[nodiscard]] std::optional<JsonDictionary> dictionaryOfText(std::string_view text);
 
 }  // namespace tavuro::detail
 

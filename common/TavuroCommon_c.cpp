@@ -17,6 +17,7 @@
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "TavuroCommon/TavuroCommon_c.h"
+#include "common/JsonAccess.h"
 
 // The C enumerations carry the C++ values unchanged.
 static_assert(TAVURO_PIXEL_FORMAT_RGBA8 == static_cast<int>(tavuro::PixelFormat::RGBA8) &&
@@ -360,6 +361,44 @@ tavuro_JsonValue* tavuro_JsonDictionary_objectForKey(const tavuro_JsonDictionary
   if (dictionary == nullptr || key == nullptr) return nullptr;
   return guarded<tavuro_JsonValue*>(
       nullptr, [&] { return wrap<tavuro_JsonValue>(dictionary->value.find(key)); });
+}
+
+// The C node is the reader's node, field for field, so a document is handed
+// out as it lies in memory.
+using ReaderNode = tavuro::platform::JsonNode;
+static_assert(sizeof(tavuro_JsonNode) == sizeof(ReaderNode) &&
+              offsetof(tavuro_JsonNode, size) == offsetof(ReaderNode, size) &&
+              offsetof(tavuro_JsonNode, payload) == offsetof(ReaderNode, payload));
+static_assert(TAVURO_JSON_NODE_NULL == static_cast<int>(tavuro::platform::NodeType::Null) &&
+              TAVURO_JSON_NODE_FALSE == static_cast<int>(tavuro::platform::NodeType::False) &&
+              TAVURO_JSON_NODE_TRUE == static_cast<int>(tavuro::platform::NodeType::True) &&
+              TAVURO_JSON_NODE_INT64 == static_cast<int>(tavuro::platform::NodeType::Int64) &&
+              TAVURO_JSON_NODE_UINT64 == static_cast<int>(tavuro::platform::NodeType::UInt64) &&
+              TAVURO_JSON_NODE_DOUBLE == static_cast<int>(tavuro::platform::NodeType::Double) &&
+              TAVURO_JSON_NODE_STRING == static_cast<int>(tavuro::platform::NodeType::String) &&
+              TAVURO_JSON_NODE_ARRAY == static_cast<int>(tavuro::platform::NodeType::Array) &&
+              TAVURO_JSON_NODE_OBJECT == static_cast<int>(tavuro::platform::NodeType::Object));
+
+const tavuro_JsonNode* tavuro_JsonDictionary_nodes(const tavuro_JsonDictionary* dictionary) {
+  if (dictionary == nullptr) return nullptr;
+  static const tavuro_JsonNode emptyObject{TAVURO_JSON_NODE_OBJECT, 0, 0, 0, {0}};
+  const ReaderNode* node = tavuro::detail::JsonAccess::node(dictionary->value);
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): same layout, checked above
+  return node != nullptr ? reinterpret_cast<const tavuro_JsonNode*>(node) : &emptyObject;
+}
+
+tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithBytes_length(const char* bytes,
+                                                                        size_t length) {
+  if (bytes == nullptr) return nullptr;
+  return guarded<tavuro_JsonDictionary*>(nullptr, [&] {
+    return wrap<tavuro_JsonDictionary>(
+        tavuro::detail::dictionaryOfText(std::string_view(bytes, length)));
+  });
+}
+
+tavuro_TavuroJwtToken* tavuro_Credential_getToken(void) {
+  return guarded<tavuro_TavuroJwtToken*>(
+      nullptr, [&] { return wrap<tavuro_TavuroJwtToken>(tavuro::Credential::getToken()); });
 }
 
 size_t tavuro_JsonArray_count(const tavuro_JsonArray* array) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <new>
+#include <string_view>
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "common/JsonAccess.h"
@@ -68,7 +69,11 @@ const platform::JsonNode* lookUp(const std::optional<JsonDictionary>& jsonDict,
 
 std::optional<JsonDictionary> Utils::convertToDictionary(const std::optional<std::string>& text) {
   if (!text) return std::nullopt;
-  detail::JsonReadResult parsed = detail::readJson(*text);
+  return detail::dictionaryOfText(*text);
+}
+
+std::optional<JsonDictionary> detail::dictionaryOfText(std::string_view text) {
+  detail::JsonReadResult parsed = detail::readJson(text);
   if (!parsed.value) {
     try {
       const std::string line = parsed.errorDescription + "\n";

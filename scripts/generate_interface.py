@@ -10,6 +10,7 @@ interface/TavuroCommon.json: NAME" and a line "END generated: NAME":
   docs/c-interface.md                           the tables of names
   cmake/TavuroCommon.map                        the exported C++ free functions
   java/ (through scripts/generate_java.py)      the regular part of the Java binding
+  Sources/TavuroCommon/Interface.swift          the regular Swift layer (scripts/generate_swift.py)
 
   generate_interface.py [--clang-format PROGRAM]          rewrite the regions
   generate_interface.py --check [--clang-format PROGRAM]  exit 1 when a region is stale
@@ -29,6 +30,7 @@ import subprocess
 import sys
 
 import generate_java
+from generate_swift import swift_regions
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 TABLE = "interface/TavuroCommon.json"
@@ -442,7 +444,7 @@ def doc_regions(interface):
             continue
         rows = []
         for member in cls["members"]:
-            if member.get("selector") is None and member["kind"] != "init":
+            if member.get("selector") is None and member["kind"] != "init" and "c_function" not in member:
                 native_only.append("`%s`" % cxx_member(cls["name"], member, "call"))
             for function, role in c_functions(cls["name"], member):
                 selector = member["setter"] if role == "set" else member["selector"]
@@ -454,7 +456,8 @@ def doc_regions(interface):
                   for e in interface.codes()])
     table(descriptions, [(e["description"], "tavuro_%s_%s" % (descriptions, e["description"]),
                           "%s::%s" % (descriptions, e["description"])) for e in interface.errors["entries"]])
-    lines.append("Reachable only from C++, with no C function: %s." % ", ".join(native_only))
+    if native_only:
+        lines.append("Reachable only from C++, with no C function: %s." % ", ".join(native_only))
     return {"tables": lines}
 
 
@@ -518,6 +521,8 @@ def manual_problems(interface, c_header):
     problems = []
     for cls in interface.classes:
         for member in cls["members"]:
+            if "c_function" in member and member["c_function"] not in declared:
+                problems.append("%s is not declared in %s" % (member["c_function"], C_HEADER))
             if member.get("c") == "manual":
                 problems += ["%s is written by hand but not declared in %s" % (function, C_HEADER)
                              for function, _ in c_functions(cls["name"], member) if function not in declared]
@@ -537,6 +542,7 @@ def main(argv):
                    C_SOURCE: c_source_regions(interface), ERROR_INFO_SOURCE: error_info_regions(interface),
                    DOC: doc_regions(interface), EXPORT_MAP: map_regions(interface)}
         outputs.update(generate_java.regions(interface))  # the Java binding: scripts/generate_java.py
+        outputs.update(swift_regions(interface))
         if not options.check and not options.clang_format:
             raise TableError("writing needs clang-format-14 (or --clang-format PROGRAM)")
         stale = []

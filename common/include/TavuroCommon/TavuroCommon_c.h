@@ -417,6 +417,45 @@ TAVURO_EXPORT char* tavuro_JsonValue_stringValue(const tavuro_JsonValue* value, 
 TAVURO_EXPORT tavuro_JsonArray* tavuro_JsonValue_arrayValue(const tavuro_JsonValue* value);
 TAVURO_EXPORT tavuro_JsonDictionary* tavuro_JsonValue_dictionaryValue(
     const tavuro_JsonValue* value);
+/* Whole documents at once, for bindings that turn a dictionary into their
+ * own values in one pass instead of one handle per value. The nodes are the
+ * document's own, not a copy: they are borrowed like the bytes of rule 9,
+ * valid while a reference to the dictionary (or to any value of the same
+ * document) is held, and never freed or changed by the caller. */
+typedef enum tavuro_JsonNodeType {
+  TAVURO_JSON_NODE_NULL = 0,
+  TAVURO_JSON_NODE_FALSE = 1,
+  TAVURO_JSON_NODE_TRUE = 2,
+  TAVURO_JSON_NODE_INT64 = 3,  /* payload.int64Value */
+  TAVURO_JSON_NODE_UINT64 = 4, /* payload.uint64Value, only above INT64_MAX */
+  TAVURO_JSON_NODE_DOUBLE = 5, /* payload.doubleValue */
+  TAVURO_JSON_NODE_STRING = 6, /* `size` bytes of UTF-8 at payload.chars */
+  TAVURO_JSON_NODE_ARRAY = 7,  /* `size` elements at payload.children */
+  TAVURO_JSON_NODE_OBJECT = 8  /* `size` members at payload.children */
+} tavuro_JsonNodeType;
+
+/** One value of a document. The texts of strings are not NUL-terminated and
+ * may hold NUL bytes. An object's children are `size` pairs, each a string
+ * node (the key) followed by the value; keys are unique (the first of equal
+ * keys is kept) and in the order of the text. */
+typedef struct tavuro_JsonNode {
+  uint8_t type; /* a tavuro_JsonNodeType */
+  uint8_t reserved8;
+  uint16_t reserved16;
+  uint32_t size;
+  union tavuro_JsonNodePayload {
+    int64_t int64Value;
+    uint64_t uint64Value;
+    double doubleValue;
+    const char* chars;
+    const struct tavuro_JsonNode* children;
+  } payload;
+} tavuro_JsonNode;
+
+/** The object node of `dictionary` (borrowed, see above); NULL for NULL. */
+TAVURO_EXPORT const tavuro_JsonNode* tavuro_JsonDictionary_nodes(
+    const tavuro_JsonDictionary* dictionary);
+
 /* BEGIN generated from interface/TavuroCommon.json: JsonValue */
 TAVURO_EXPORT tavuro_JsonValue* tavuro_JsonValue_retain(tavuro_JsonValue* handle);
 TAVURO_EXPORT void tavuro_JsonValue_release(tavuro_JsonValue* handle);
@@ -460,6 +499,12 @@ TAVURO_EXPORT char* tavuro_Utils_SDK_VERSION_CODE(void);
  * is never absent). */
 TAVURO_EXPORT void tavuro_Utils_setSDK_VERSION_CODE(const char* versionCode);
 /* END generated: Utils */
+
+/** tavuro_Utils_convertToDictionaryWithText for a text given with its length
+ * in bytes: it need not end in NUL, and NUL bytes inside it are read as part
+ * of it. NULL for NULL `bytes`. For bindings whose texts carry their length. */
+TAVURO_EXPORT tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithBytes_length(
+    const char* bytes, size_t length);
 
 /* ======================================================================== */
 /* Endpoints                                                                */
@@ -552,6 +597,9 @@ TAVURO_EXPORT void tavuro_Credential_setSubscriptionWithSubscription(const char*
 /** Keeps the record itself (its own reference), not a copy; NULL clears. */
 TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints* endpoints);
 /* END generated: Credential */
+/** The stored session token, expired or not; NULL when none is stored. It has
+ * no object-interface name: it is here for the bindings of other languages. */
+TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_Credential_getToken(void);
 
 #ifdef __cplusplus
 } /* extern "C" */
