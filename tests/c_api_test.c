@@ -23,14 +23,15 @@ static int failures = 0;
     }                                                                               \
   } while (0)
 
-/* Compares an owned text with `expected` (NULL: absent), then frees it. */
-#define CHECK_TEXT(owned, expected) check_text((owned), (expected), __FILE__, __LINE__)
+static int same_text(const char* a, const char* b) {
+  return (a == NULL || b == NULL) ? a == b : strcmp(a, b) == 0;
+}
 
-static void check_text(char* owned, const char* expected, const char* file, int line) {
-  const int same =
-      (owned == NULL || expected == NULL) ? owned == expected : strcmp(owned, expected) == 0;
-  if (!same) {
-    fprintf(stderr, "%s:%d: text \"%s\", expected \"%s\"\n", file, line, owned ? owned : "(absent)",
+/* Compares an owned text with `expected` (NULL: absent), then frees it. */
+#define CHECK_TEXT(owned, expected) check_text((owned), (expected), __LINE__)
+static void check_text(char* owned, const char* expected, int line) {
+  if (!same_text(owned, expected)) {
+    fprintf(stderr, "line %d: text \"%s\", expected \"%s\"\n", line, owned ? owned : "(absent)",
             expected ? expected : "(absent)");
     ++failures;
   }
@@ -41,11 +42,10 @@ static void check_text(char* owned, const char* expected, const char* file, int 
 #define LIVE_TOKEN "eyJhbGciOiJub25lIn0.eyJleHAiOjQxMDI0NDQ4MDB9.sig"
 #define EXPIRED_TOKEN "eyJhbGciOiJub25lIn0.eyJleHAiOjF9.sig"
 
-static void error_record(void) {
+static void errors(void) {
   tavuro_TavuroError* error = tavuro_TavuroError_newInstance();
   CHECK(tavuro_TavuroError_errorCode(error) == 0);
   CHECK_TEXT(tavuro_TavuroError_errorDescription(error), NULL);
-
   char description[] = "Network problem";
   tavuro_TavuroError_setErrorCode(error, tavuro_TavuroErrorCodes_ERROR_Network());
   tavuro_TavuroError_setErrorDescription(error, description);
@@ -53,39 +53,28 @@ static void error_record(void) {
   CHECK_TEXT(tavuro_TavuroError_errorDescription(error), "Network problem");
   tavuro_TavuroError_setErrorDescription(error, "");
   CHECK_TEXT(tavuro_TavuroError_errorDescription(error), "");
-
   CHECK(tavuro_TavuroError_retain(error) == error);
   tavuro_TavuroError_release(error);
   CHECK(tavuro_TavuroError_errorCode(error) == -5); /* one reference still held */
   tavuro_TavuroError_release(error);
   tavuro_TavuroError_release(NULL);
-
   tavuro_TavuroError* made = tavuro_TavuroError_initWithErrorCode_errorDescription(-29, NULL);
   CHECK(tavuro_TavuroError_errorCode(made) == -29);
   CHECK_TEXT(tavuro_TavuroError_errorDescription(made), NULL);
   tavuro_TavuroError_release(made);
-}
 
-static void error_tables(void) {
-  /* Static texts: compared, never freed, the same pointer every time. */
+  /* Static texts: compared, never freed. */
   CHECK(strcmp(tavuro_TavuroErrorDescriptions_ERROR_DESC_INVALID_PARAMETERS(),
                "Invalid Parameters.") == 0);
-  CHECK(tavuro_TavuroErrorDescriptions_ERROR_DESC_Network() ==
-        tavuro_TavuroErrorDescriptions_ERROR_DESC_Network());
   CHECK(tavuro_TavuroErrorCodes_ERROR_InvalidNfcKeyFormatting() == -62);
 }
 
-static int same_text(const char* a, const char* b) {
-  return (a == NULL || b == NULL) ? a == b : strcmp(a, b) == 0;
-}
-
-/* The lookup by code answers with the table's own names and texts, the
- * irregular ones included; the whole table lists the codes from -1 down,
- * then the texts without a code. */
+/* The lookup answers with the table's own names and texts, the irregular ones
+ * included; the whole table lists the codes from -1 down, then the texts
+ * without a code. */
 static void error_lookup(void) {
   static const tavuro_TavuroErrorInfo known[] = {
       {-1, "ERROR_InvalidCredentials", "ERROR_DESC_InvalidCredentials", "Invalid credentials"},
-      {-5, "ERROR_Network", "ERROR_DESC_Network", "Network problem"},
       {-27, "ERROR_CouldNotAccessCredential", "ERROR_DESC_ERROR_CouldNotAccessCredential",
        "Could not get credential"},
       {-29, "ERROR_INVALID_PARAMETER", "ERROR_DESC_INVALID_PARAMETERS", "Invalid Parameters."},
@@ -100,25 +89,21 @@ static void error_lookup(void) {
     tavuro_TavuroErrorInfo info = {1, NULL, NULL, NULL};
     const bool found = tavuro_TavuroErrorInfo_forCode(known[i].code, &info);
     CHECK(found == (known[i].codeName != NULL));
-    if (!found) { /* a text without a code is only in the whole table */
-      for (size_t j = 0; j < count && j < 64; ++j) {
-        if (same_text(all[j].descriptionName, known[i].descriptionName)) info = all[j];
-      }
+    for (size_t j = 0; !found && j < count && j < 64; ++j) {
+      if (same_text(all[j].descriptionName, known[i].descriptionName)) info = all[j];
     }
     CHECK(info.code == known[i].code && same_text(info.codeName, known[i].codeName) &&
           same_text(info.descriptionName, known[i].descriptionName) &&
           same_text(info.description, known[i].description));
   }
   const int64_t unknown[] = {0, 1, -2, -63};
-  for (size_t i = 0; i < sizeof unknown / sizeof unknown[0]; ++i) {
-    CHECK(!tavuro_TavuroErrorInfo_forCode(unknown[i], NULL));
-  }
+  for (size_t i = 0; i < 4; ++i) CHECK(!tavuro_TavuroErrorInfo_forCode(unknown[i], NULL));
   for (size_t i = 1; i < count && i < 64; ++i) {
-    const bool ordered =
-        all[i].codeName == NULL || (all[i - 1].codeName != NULL && all[i].code < all[i - 1].code);
-    CHECK(ordered && (all[i].codeName != NULL || all[i].code == 0));
+    CHECK(all[i].codeName == NULL ||
+          (all[i - 1].codeName != NULL && all[i].code < all[i - 1].code));
+    CHECK(all[i].codeName != NULL || all[i].code == 0);
   }
-  /* The texts are the description constants themselves (rule 4). */
+  /* The texts are the description constants themselves. */
   tavuro_TavuroErrorInfo network;
   CHECK(tavuro_TavuroErrorInfo_forCode(-5, &network) &&
         network.description == tavuro_TavuroErrorDescriptions_ERROR_DESC_Network());
@@ -130,9 +115,7 @@ static void image_record(void) {
   tavuro_Picture* picture = tavuro_Picture_make(2, 2, TAVURO_PIXEL_FORMAT_GRAY8, gray, sizeof gray);
   tavuro_ByteBuffer* buffer = tavuro_ByteBuffer_initWithBytes_length("\xFF\xD8", 2);
   tavuro_Image* image = tavuro_Image_newInstanceWithImage_data(picture, buffer);
-  /* The record keeps its own references: the caller's may go first. */
-  tavuro_Picture_release(picture);
-
+  tavuro_Picture_release(picture); /* the record keeps its own reference */
   tavuro_Picture* held = tavuro_Image_image(image);
   size_t size = 0;
   const uint8_t* pixels = tavuro_Picture_pixels(held, &size);
@@ -156,13 +139,11 @@ static void image_record(void) {
   tavuro_TavuroError_release(stored);
 
   /* Points are copied in both directions. */
-  tavuro_Point points[3] = {{1, 2}, {3, 4}, {5, 6}};
+  tavuro_Point points[3] = {{1, 2}, {3, 4}, {5, 6}}, out[2] = {{0, 0}, {0, 0}};
   CHECK(tavuro_Image_points(image, NULL, 0) == 0);
   tavuro_Image_setPoints(image, points, 3);
   points[0].x = 99;
-  tavuro_Point out[2] = {{0, 0}, {0, 0}};
-  CHECK(tavuro_Image_points(image, out, 2) == 3);
-  CHECK(out[0].x == 1 && out[1].y == 4);
+  CHECK(tavuro_Image_points(image, out, 2) == 3 && out[0].x == 1 && out[1].y == 4);
 
   tavuro_Image_setAspectRatio(image, 1.5F);
   tavuro_Image_setIsPassport(image, true);
@@ -172,9 +153,7 @@ static void image_record(void) {
   tavuro_Image_release(image);
 }
 
-static int package_order[8];
-static int package_calls = 0;
-static int callback_calls = 0;
+static int package_order[8], package_calls = 0, callback_calls = 0;
 
 static void start_package(void* context) {
   if (package_calls < 8) package_order[package_calls] = *(const int*)context;
@@ -187,21 +166,18 @@ static void started(void* context, tavuro_TavuroError* error) {
 }
 
 static void initializer(void) {
-  const int ids[2] = {1, 2};
+  const int ids[2] = {1, 2}, expected_calls = 3, none = 3;
   const tavuro_ITavuroPackage packages[4] = {
       {start_package, (void*)&ids[0]},
       {NULL, NULL}, /* skipped */
       {start_package, (void*)&ids[1]},
       {start_package, (void*)&ids[0]}, /* a duplicate runs again */
   };
-  const int expected_calls = 3;
   tavuro_TavuroInitializer* starter = tavuro_TavuroInitializer_init();
   tavuro_TavuroInitializer_initializeWithPackages_callback(starter, packages, 4, started,
                                                            (void*)&expected_calls);
   CHECK(package_calls == 3 && callback_calls == 1);
   CHECK(package_order[0] == 1 && package_order[1] == 2 && package_order[2] == 1);
-
-  const int none = 3;
   tavuro_TavuroInitializer_initializeWithPackages_callback(starter, NULL, 0, started, (void*)&none);
   CHECK(callback_calls == 2);
   tavuro_TavuroInitializer_release(starter);
@@ -228,7 +204,6 @@ static void json(void) {
   CHECK(length == 3 && bytes[1] == '\0' && bytes[2] == 'b');
   tavuro_string_free(bytes);
   tavuro_JsonValue_release(text);
-
   tavuro_JsonValue* null_value = tavuro_JsonDictionary_objectForKey(answer, "nil");
   CHECK(null_value != NULL && tavuro_JsonValue_kind(null_value) == TAVURO_JSON_NULL);
   tavuro_JsonValue_release(null_value);
@@ -251,7 +226,6 @@ static void json(void) {
   tavuro_JsonValue_release(second);
   CHECK(tavuro_JsonArray_objectAtIndex(list, 2) == NULL);
   tavuro_JsonArray_release(list);
-
   CHECK(tavuro_Utils_convertToDictionaryWithText("[1,2]") == NULL);
   CHECK(tavuro_Utils_convertToDictionaryWithText(NULL) == NULL);
 }
@@ -262,41 +236,25 @@ static void tokens(void) {
   CHECK(tavuro_ByteBuffer_length(decoded) == 7 &&
         memcmp(tavuro_ByteBuffer_bytes(decoded), "{\"a\":1}", 7) == 0);
   tavuro_ByteBuffer_release(decoded);
-
   tavuro_JsonDictionary* claims = tavuro_TavuroJwtParser_decodeWithJwtToken(parser, "x.!!!!.y");
   CHECK(claims != NULL && tavuro_JsonDictionary_count(claims) == 0);
   tavuro_JsonDictionary_release(claims);
   CHECK(tavuro_TavuroJwtParser_decodeJWTPart(parser, "WzFd") == NULL); /* [1] */
 
   tavuro_TavuroJwtToken* live = tavuro_TavuroJwtParser_parseTokenWithJwtToken(parser, LIVE_TOKEN);
-  CHECK(tavuro_TavuroJwtToken_expiration(live) == 4102444800.0);
-  CHECK(tavuro_TavuroJwtToken_isValid(live));
+  CHECK(tavuro_TavuroJwtToken_expiration(live) == 4102444800.0 &&
+        tavuro_TavuroJwtToken_isValid(live));
   CHECK_TEXT(tavuro_TavuroJwtToken_value(live), LIVE_TOKEN);
   tavuro_TavuroJwtToken_release(live);
   tavuro_TavuroJwtParser_release(parser);
-
   tavuro_TavuroJwtToken* made = tavuro_TavuroJwtToken_initWithValue_expiration("", 1.0);
   CHECK(!tavuro_TavuroJwtToken_isValid(made));
   CHECK_TEXT(tavuro_TavuroJwtToken_value(made), "");
   tavuro_TavuroJwtToken_release(made);
 }
 
-/* Returns the whole file as an owned text (free()), or NULL. */
-static char* read_file(const char* path) {
-  FILE* file = fopen(path, "rb");
-  if (file == NULL) return NULL;
-  char* text = calloc(1, 4096);
-  const size_t size = text != NULL ? fread(text, 1, 4095, file) : 0;
-  fclose(file);
-  if (size == 0) {
-    free(text);
-    return NULL;
-  }
-  return text;
-}
-
 static void credential(const char* directory) {
-  char path[512];
+  char path[512], saved[4096] = "";
   snprintf(path, sizeof path, "%s/TavuroConfig.plist", directory);
   FILE* file = fopen(path, "w");
   CHECK(file != NULL);
@@ -327,10 +285,10 @@ static void credential(const char* directory) {
 
   /* A setter rewrites the file: the changed endpoint in, kelmo out. */
   tavuro_Credential_setSubscriptionWithSubscription("sub");
-  char* saved = read_file(path);
-  CHECK(saved != NULL && strstr(saved, "https://frm.example/") != NULL &&
-        strstr(saved, "kelmo_endpoint") == NULL);
-  free(saved);
+  file = fopen(path, "rb");
+  CHECK(file != NULL && fread(saved, 1, sizeof saved - 1, file) > 0);
+  if (file != NULL) fclose(file);
+  CHECK(strstr(saved, "https://frm.example/") != NULL && strstr(saved, "kelmo_endpoint") == NULL);
   CHECK(tavuro_Credential_isCredentialValidWithEndpoint("https://frm.example/"));
 
   /* A record set from C is kept by the store after the caller lets go. */
@@ -348,7 +306,6 @@ static void credential(const char* directory) {
   CHECK(tavuro_Credential_setTokenWithToken(LIVE_TOKEN));
   CHECK_TEXT(tavuro_Credential_getTavuroAuthHeader(), "Bearer " LIVE_TOKEN);
   CHECK(tavuro_Credential_removeToken() && !tavuro_Credential_removeToken());
-
   tavuro_Credential_setPasswordWithPassword(NULL);
   CHECK_TEXT(tavuro_Credential_getBasicAuthHeader(), NULL);
   remove(path);
@@ -358,11 +315,9 @@ static void settings_and_mode(void) {
   CHECK(tavuro_DocumentProcessingMode_processingMode() == TAVURO_PROCESSING_MODE_STANDARD);
   tavuro_DocumentProcessingMode_setDataCaptureProcessingMode();
   CHECK(tavuro_DocumentProcessingMode_processingMode() == TAVURO_PROCESSING_MODE_DATA_CAPTURE);
-
   tavuro_Utils_setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(1.5);
   CHECK(tavuro_Utils_SENT_IMAGE_QUALITY_JPEG_COMPRESSION() == 1.5);
   tavuro_Utils_setSDK_VERSION_CODE("");
-  CHECK_TEXT(tavuro_Utils_SDK_VERSION_CODE(), "");
   tavuro_Utils_setSDK_VERSION_CODE(NULL); /* ignored: the setting is never absent */
   CHECK_TEXT(tavuro_Utils_SDK_VERSION_CODE(), "");
   CHECK_TEXT(tavuro_Utils_dateFieldToDateStringWithDateStr("/Date(1234567890000)/"), "02-13-2009");
@@ -373,8 +328,7 @@ static void settings_and_mode(void) {
 static void* churn(void* handle) {
   for (int i = 0; i < 2000; ++i) {
     tavuro_Endpoints* mine = tavuro_Endpoints_retain((tavuro_Endpoints*)handle);
-    char* text = tavuro_Endpoints_kelmoEndpoint(mine);
-    tavuro_string_free(text);
+    tavuro_string_free(tavuro_Endpoints_kelmoEndpoint(mine));
     tavuro_Endpoints_release(mine);
   }
   return NULL;
@@ -409,8 +363,7 @@ static void stops(void) {
 int main(void) {
   char directory[] = "/tmp/tavuro_c_api_XXXXXX";
   CHECK(mkdtemp(directory) != NULL);
-  error_record();
-  error_tables();
+  errors();
   error_lookup();
   image_record();
   initializer();

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdio>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -14,44 +13,13 @@
 #include <vector>
 
 #include "common/JsonAccess.h"
+#include "json_describe.h"
 #include "platform/Json.h"
 
 namespace tavuro {
 namespace {
 
-// null, true, false, i<int64>, u<uint64>, d<%.17g>, "text" (the bytes as
-// stored), [a,b], {key:value,...} in stored order.
-std::string describe(const JsonValue& value) {
-  char buffer[40];
-  switch (value.kind()) {
-    case JsonValue::Kind::Null: return "null";
-    case JsonValue::Kind::Boolean: return *value.boolValue() ? "true" : "false";
-    case JsonValue::Kind::Number:
-      switch (*value.numberKind()) {
-        case JsonValue::NumberKind::Int64: return "i" + std::to_string(*value.int64Value());
-        case JsonValue::NumberKind::UInt64: return "u" + std::to_string(*value.uint64Value());
-        case JsonValue::NumberKind::Double: break;
-      }
-      std::snprintf(buffer, sizeof buffer, "d%.17g", *value.doubleValue());
-      return buffer;
-    case JsonValue::Kind::String: return "\"" + std::string(*value.stringValue()) + "\"";
-    case JsonValue::Kind::Array: {
-      const JsonArray array = *value.arrayValue();
-      std::string out = "[";
-      for (std::size_t i = 0; i < array.size(); ++i) out += (i ? "," : "") + describe(array[i]);
-      return out + "]";
-    }
-    case JsonValue::Kind::Object: {
-      const JsonDictionary object = *value.dictionaryValue();
-      std::string out = "{";
-      for (std::size_t i = 0; i < object.size(); ++i) {
-        out += (i ? "," : "") + std::string(object.keyAt(i)) + ":" + describe(object.valueAt(i));
-      }
-      return out + "}";
-    }
-  }
-  return "?";
-}
+using test::describe;
 
 struct Accepts {
   std::string text;

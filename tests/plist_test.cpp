@@ -71,44 +71,35 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
 }
 
 TEST(PlistXml, RejectsMalformedLists) {
-  const std::string rejected[] = {
+  // Whole documents ("<!-->" opens a comment, no more; UTF-16 is not read)...
+  std::vector<std::string> rejected{
       "",
       "   ",
       "<?xml version=\"1.0\"?>",
       "<dict></dict>",
-      plist("<array></array>"),
-      plist("<string>a</string>"),
       "<plist/>",
-      plist("<dict/><dict/>"),
-      plist("<dict/>") + "text",
-      plist("<dict/>") + "<plist/>",
-      plist("<dict>"),
-      plist("<dict><key>a</key><string>b</key></dict>"),
-      plist("<dict><key>a</key></dict>"),
-      plist("<dict><string>b</string></dict>"),
-      plist("<dict><key>a</key><string>b</string>stray</dict>"),
-      plist("<dict><key>a</key><string>b<b/></string></dict>"),
-      plist("<dict><key>a</key><foo/></dict>"),
-      plist("<dict><key>a</key><key>b</key></dict>"),
-      plist("<dict><key>a</key><string>&nbsp;</string></dict>"),
-      plist("<dict><key>a</key><string>&amp</string></dict>"),
-      plist("<dict><key>a</key><string>&#0;</string></dict>"),
-      plist("<dict><key>a</key><string>&#xD800;</string></dict>"),
-      plist("<dict><key>a</key><string>&#x110000;</string></dict>"),
-      plist("<dict><key>a</key><string><![CDATA[x</string></dict>"),
-      plist("<dict><key>a</key><string>\xC3</string></dict>"),
-      plist("<dict><key>a</key><string>\xED\xA0\x80</string></dict>"),
-      plist("<dict><!-- open </dict>"),
-      "<!--><plist><dict/></plist>",  // "<!-->" opens a comment, no more
-      plist("<dict><key>a</key><string>x<!--->y</string></dict>"),
-      "\xFF\xFE<\0p\0"s,
-      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>",
+      "<!--><plist><dict/></plist>",
       "<!DOCTYPE plist><!DOCTYPE plist><plist><dict/></plist>",
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>",
       "<plist><dict/></plist><?xml version=\"1.0\"?>",
-      "<plist version=1.0><dict/></plist>",
-      plist("<dict><key>k</key>" + nested("array", 128) + "</dict>"),
-      plist(nested("dict", 129)),
-  };
+      "<plist version=1.0><dict/></plist>"};
+  rejected.insert(rejected.end(),
+                  {"\xFF\xFE<\0p\0"s, plist("<dict/>") + "text", plist("<dict/>") + "<plist/>"});
+  // ...what the plist element holds...
+  for (const std::string& root : std::vector<std::string>{
+           "<array></array>", "<string>a</string>", "<dict/><dict/>", "<dict>",
+           "<dict><!-- open </dict>", "<dict><string>b</string></dict>", nested("dict", 129)}) {
+    rejected.push_back(plist(root));
+  }
+  // ...and what follows a key.
+  for (const std::string& value : std::vector<std::string>{
+           "<string>b</key>", "", "<string>b</string>stray", "<string>b<b/></string>", "<foo/>",
+           "<key>b</key>", "<string>&nbsp;</string>", "<string>&amp</string>",
+           "<string>&#0;</string>", "<string>&#xD800;</string>", "<string>&#x110000;</string>",
+           "<string><![CDATA[x</string>", "<string>\xC3</string>", "<string>\xED\xA0\x80</string>",
+           "<string>x<!--->y</string>", nested("array", 128)}) {
+    rejected.push_back(plist("<dict><key>a</key>" + value + "</dict>"));
+  }
   for (const auto& input : rejected) {
     EXPECT_EQ(readPlistStringDictionary(input), std::nullopt) << input;
   }
@@ -117,45 +108,30 @@ TEST(PlistXml, RejectsMalformedLists) {
 TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
   const struct {
     const char* element;
-    const char* text;
-    bool valid;
+    std::vector<std::string> valid, invalid;
   } cases[] = {
-      {"integer", "+0", true},
-      {"integer", "-0X7fffFFFFffffFFFF", true},
-      {"integer", "18446744073709551616", false},
-      {"integer", "-9223372036854775809", false},
-      {"integer", "1 2", false},
-      {"integer", "0x", false},
-      {"integer", "", false},
-      {"real", "1.", true},
-      {"real", ".5E-7", true},
-      {"real", "-Infinity", true},
-      {"real", "1e", false},
-      {"real", ".", false},
-      {"real", "1.2.3", false},
-      {"real", "0x10", false},
-      {"date", "2000-02-29T00:00:00Z", true},
-      {"date", "1900-02-29T00:00:00Z", false},
-      {"date", "2021-04-31T00:00:00Z", false},
-      {"date", "2021-13-01T00:00:00Z", false},
-      {"date", "2021-01-01T24:00:00Z", false},
-      {"date", "2021-01-01T00:00:60Z", false},
-      {"date", "2021-01-01 00:00:00Z", false},
-      {"date", "2021-01-01T00:00:00", false},
-      {"data", "", true},
-      {"data", "QUJD RA=\n=", true},
-      {"data", "QUJDRA", true},
-      {"data", "QUJDR", false},
-      {"data", "QU=JD", false},
-      {"data", "QUJD====", false},
-      {"data", "QU*J", false},
-      {"true", "", true},
-      {"true", "x", false},
+      {"integer",
+       {"+0", "-0X7fffFFFFffffFFFF"},
+       {"18446744073709551616", "-9223372036854775809", "1 2", "0x", ""}},
+      {"real", {"1.", ".5E-7", "-Infinity"}, {"1e", ".", "1.2.3", "0x10"}},
+      {"date",
+       {"2000-02-29T00:00:00Z"},
+       {"1900-02-29T00:00:00Z", "2021-04-31T00:00:00Z", "2021-13-01T00:00:00Z",
+        "2021-01-01T24:00:00Z", "2021-01-01T00:00:60Z", "2021-01-01 00:00:00Z",
+        "2021-01-01T00:00:00"}},
+      {"data", {"", "QUJD RA=\n=", "QUJDRA"}, {"QUJDR", "QU=JD", "QUJD====", "QU*J"}},
+      {"true", {""}, {"x"}},
   };
   for (const auto& c : cases) {
-    const std::string value = std::string("<") + c.element + ">" + c.text + "</" + c.element + ">";
-    const auto result = readPlistStringDictionary(plist("<dict><key>k</key>" + value + "</dict>"));
-    EXPECT_EQ(result.has_value(), c.valid) << value;
+    for (const bool valid : {true, false}) {
+      for (const std::string& text : valid ? c.valid : c.invalid) {
+        const std::string value =
+            std::string("<") + c.element + ">" + text + "</" + c.element + ">";
+        const auto result =
+            readPlistStringDictionary(plist("<dict><key>k</key>" + value + "</dict>"));
+        EXPECT_EQ(result.has_value(), valid) << value;
+      }
+    }
   }
 }
 
@@ -278,6 +254,14 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
     Bplist c;
     return c.build(fill(c));
   };
+  const auto withKey = [](const std::string& bytes) {
+    Bplist c;
+    return c.build(c.dict({{c.add(bytes), c.ascii("v")}}));
+  };
+  const auto withValue = [](const std::string& bytes) {
+    Bplist c;
+    return c.build(c.dict({{c.ascii("k"), c.add(bytes)}}));
+  };
   const std::string hostile[] = {
       good.substr(0, good.size() - 1),
       good.substr(0, 39),
@@ -293,9 +277,7 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
       patched(good, 34, "\x00"s),  // an object offset inside the header
       patched(good, 34, "\x12"),   // an object offset inside the trailer
       build([](Bplist& c) { return c.container(0xA, {c.ascii("array root")}); }),
-      build([](Bplist& c) {
-        return c.dict({{c.add("\x10\x01"), c.ascii("v")}});
-      }),
+      withKey("\x10\x01"),  // keys are strings
       build([](Bplist& c) {
         const auto inner = c.dict({{c.add(std::string(1, '\0')), c.ascii("v")}});
         return c.dict({{c.ascii("k"), inner}});
@@ -312,42 +294,18 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
       build([](Bplist& c) {
         return c.dict({{c.ascii("k"), 9}});
       }),
-      build([](Bplist& c) {
-        return c.dict({{c.utf16({0xD800}), c.ascii("v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.utf16({0xDC00, 0xD800}), c.ascii("v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.utf16({0xD800, 0x41}), c.ascii("v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("\x80"), c.ascii("v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add(Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add(Bplist::marker(0xA, UINT64_MAX) + "v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x4F\x14" + std::string(8, 'x'))}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x15")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x21\0\0"s)}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x32\0\0\0\0"s)}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x70")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x13\0"s)}});
-      }),
+      withKey("\x61\xD8\x00"s),  // UTF-16 with a lone, reversed or unpaired surrogate
+      withKey("\x62\xDC\x00\xD8\x00"s),
+      withKey("\x62\xD8\x00\x00\x41"s),
+      withKey("\x51\x80"),  // ASCII beyond 0x7F
+      withValue(Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v"),
+      withValue(Bplist::marker(0xA, UINT64_MAX) + "v"),
+      withValue("\x4F\x14" + std::string(8, 'x')),
+      withValue("\x15"),
+      withValue("\x21\0\0"s),
+      withValue("\x32\0\0\0\0"s),
+      withValue("\x70"),
+      withValue("\x13\0"s),
       build([](Bplist& c) {
         // One long string under many keys would expand the file 100-fold.
         c.offsetSize = 2;

@@ -1,4 +1,6 @@
-#include <cmath>
+#include <cstdint>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -7,112 +9,92 @@
 
 namespace {
 
-using tavuro::ByteBuffer;
-using tavuro::Image;
-using tavuro::Picture;
+using tavuro::DocumentProcessingMode;
 using tavuro::PixelFormat;
-using tavuro::Point;
-using tavuro::TavuroError;
-
-TEST(TavuroError, FactoryAndConstructorsKeepAbsentAndEmptyApart) {
-  const TavuroError plain;
-  const auto made = TavuroError::newInstance();
-  for (const TavuroError* e : {&plain, static_cast<const TavuroError*>(made.get())}) {
-    EXPECT_EQ(e->errorCode(), 0);
-    EXPECT_FALSE(e->errorDescription().has_value());
-  }
-
-  const TavuroError noText(-5, std::nullopt);
-  EXPECT_EQ(noText.errorCode(), -5);
-  EXPECT_FALSE(noText.errorDescription().has_value());
-
-  TavuroError e(tavuro::TavuroErrorCodes::ERROR_Network,
-                tavuro::TavuroErrorDescriptions::ERROR_DESC_Network);
-  EXPECT_EQ(e.errorDescription(), std::optional<std::string>("Network problem"));
-  e.setErrorDescription(std::string());
-  ASSERT_TRUE(e.errorDescription().has_value());
-  EXPECT_EQ(*e.errorDescription(), "");
-  e.setErrorDescription(std::nullopt);
-  EXPECT_FALSE(e.errorDescription().has_value());
-  e.setErrorCode(42);  // codes are never checked against the table
-  EXPECT_EQ(e.errorCode(), 42);
-}
-
-TEST(TavuroErrorCodes, CanBeSwitchedOn) {
-  // The codes must be usable as case labels; this is what hosts do.
-  auto name = [](std::int64_t code) {
-    switch (code) {
-      case tavuro::TavuroErrorCodes::ERROR_InvalidCredentials: return "credentials";
-      case tavuro::TavuroErrorCodes::ERROR_INVALID_PARAMETER: return "parameter";
-      default: return "other";
-    }
-  };
-  EXPECT_STREQ(name(-1), "credentials");
-  EXPECT_STREQ(name(-29), "parameter");
-  EXPECT_STREQ(name(0), "other");
-}
-
-void expectDefaultsApartFromPictureAndData(const Image& image) {
-  EXPECT_EQ(image.dpi(), 0);
-  EXPECT_EQ(image.error(), nullptr);
-  EXPECT_FALSE(image.isCorrectAspectRatio());
-  EXPECT_EQ(image.aspectRatio(), 0.0F);
-  EXPECT_TRUE(image.points().empty());
-  EXPECT_FALSE(image.isPassport());
-}
-
-TEST(Image, FactoriesGiveDefaults) {
-  const Image plain;
-  const auto made = Image::newInstance();
-  for (const Image* image : {&plain, static_cast<const Image*>(made.get())}) {
-    EXPECT_EQ(image->image(), nullptr);
-    EXPECT_EQ(image->data(), nullptr);
-    expectDefaultsApartFromPictureAndData(*image);
-  }
-
-  auto picture = Picture::make(1, 1, PixelFormat::Gray8, {7});
-  ASSERT_NE(picture, nullptr);
-  const auto withPicture = Image::newInstance(picture, nullptr);
-  EXPECT_EQ(withPicture->image(), picture);
-  EXPECT_EQ(withPicture->data(), nullptr);
-  expectDefaultsApartFromPictureAndData(*withPicture);
-}
-
-TEST(Image, SharesItsBufferAndKeepsPointOrder) {
-  auto buffer = ByteBuffer::newInstance();
-  auto image = Image::newInstance(std::make_shared<Picture>(), buffer);
-  buffer->append("\xFF\xD8", 2);
-  ASSERT_EQ(image->data()->size(), 2U);
-  EXPECT_EQ(image->data()->data()[1], 0xD8);
-
-  const std::vector<Point> points{{3, 4}, {1, 2}, {-0.5, 1e9}};
-  image->setPoints(points);
-  EXPECT_EQ(image->points(), points);
-  image->setPoints({});
-  EXPECT_TRUE(image->points().empty());
-}
+using tavuro::ProcessingMode;
+using tavuro::Utils;
 
 TEST(Picture, AcceptsOnlyMatchingPixelBytes) {
-  struct Case {
+  const struct {
     std::uint32_t width, height;
     PixelFormat format;
     std::size_t bytes;
     bool accepted;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {2, 3, PixelFormat::RGB8, 18, true},
       {2, 3, PixelFormat::RGB8, 17, false},
       {2, 3, PixelFormat::BGRA8, 24, true},
       {0, 5, PixelFormat::Gray8, 0, true},
-      {0xFFFFFFFF, 0xFFFFFFFF, PixelFormat::RGBA8, 4, false},  // size overflows 32 bits
+      {0xFFFFFFFF, 0xFFFFFFFF, PixelFormat::RGBA8, 4, false},  // the size wraps around
   };
-  for (const Case& c : cases) {
-    auto picture = Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
+  for (const auto& c : cases) {
+    auto picture =
+        tavuro::Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
     EXPECT_EQ(picture != nullptr, c.accepted) << c.width << "x" << c.height;
     if (picture) {
       EXPECT_EQ(picture->bytesPerRow() * picture->height(), c.bytes);
     }
   }
+}
+
+TEST(RawValues, OnlyEnumeratedValuesConvertBack) {
+  const struct {
+    std::int64_t raw;
+    bool mode, deleteType;
+  } cases[] = {{INT64_MIN, false, false}, {-1, false, false}, {0, true, true},
+               {1, true, true},           {2, true, false},   {3, false, false},
+               {INT64_MAX, false, false}};
+  for (const auto& c : cases) {
+    const auto mode = tavuro::processingModeWithRawValue(c.raw);
+    const auto type = tavuro::deleteTypeWithRawValue(c.raw);
+    EXPECT_EQ(mode.has_value(), c.mode) << c.raw;
+    EXPECT_EQ(type.has_value(), c.deleteType) << c.raw;
+    EXPECT_EQ(mode ? tavuro::rawValue(*mode) : c.raw, c.raw);
+    EXPECT_EQ(type ? tavuro::rawValue(*type) : c.raw, c.raw);
+  }
+}
+
+// Each test runs in its own process, so each sees a fresh mode.
+TEST(DocumentProcessingMode, StartsStandardAndSwitchesToDataCaptureForGood) {
+  EXPECT_EQ(tavuro::rawValue(DocumentProcessingMode::processingMode()), 2);
+  DocumentProcessingMode::setDataCaptureProcessingMode();
+  DocumentProcessingMode::setDataCaptureProcessingMode();
+  EXPECT_EQ(tavuro::rawValue(DocumentProcessingMode::processingMode()), 1);
+}
+
+TEST(DocumentProcessingMode, FirstUseFromManyThreadsSeesOneInstance) {
+  std::vector<std::thread> threads;
+  std::vector<ProcessingMode> seen(8);
+  for (std::size_t i = 0; i < seen.size(); ++i) {
+    threads.emplace_back([i, &seen] {
+      if (i % 2 == 0) DocumentProcessingMode::setDataCaptureProcessingMode();
+      seen[i] = DocumentProcessingMode::processingMode();
+    });
+  }
+  for (auto& t : threads) t.join();
+  for (std::size_t i = 0; i < seen.size(); i += 2) EXPECT_EQ(seen[i], ProcessingMode::DataCapture);
+  // Had two instances been made, one of them would still read Standard.
+  EXPECT_EQ(DocumentProcessingMode::processingMode(), ProcessingMode::DataCapture);
+}
+
+TEST(Utils, SettingsStartAtTheDefaultsAndSurviveRacingWrites) {
+  EXPECT_EQ(Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION(), 0.9);
+  EXPECT_EQ(Utils::SDK_VERSION_CODE(), "11.4.10");
+  // A racing host must still see a whole old or new value, never a torn one.
+  const std::string longVersion(200, '9');
+  std::thread writer([&] {
+    for (int i = 0; i < 2000; ++i) {
+      Utils::setSDK_VERSION_CODE(i % 2 ? longVersion : "1.0.0");
+      Utils::setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(i % 2 ? 0.25 : 0.75);
+    }
+  });
+  for (int i = 0; i < 2000; ++i) {
+    const std::string v = Utils::SDK_VERSION_CODE();
+    ASSERT_TRUE(v == longVersion || v == "1.0.0" || v == "11.4.10") << v;
+    const double q = Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION();
+    ASSERT_TRUE(q == 0.25 || q == 0.75 || q == 0.9) << q;
+  }
+  writer.join();
 }
 
 }  // namespace
