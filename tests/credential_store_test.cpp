@@ -28,6 +28,7 @@ using tavuro::platform::AtomicWriteOptions;
 using tavuro::platform::AtomicWriteStep;
 using tavuro::platform::readWholeFile;
 using tavuro::platform::writeFileAtomically;
+using tavuro::platform::writeXmlPlist;
 using Dict = std::map<std::string, std::string>;
 using Names = std::set<std::string>;
 using Text = std::optional<std::string>;
@@ -59,21 +60,15 @@ class TempDir {
     environment.configurationPath = [this] {
       return tavuro::platform::pathForResource(path_, "TavuroConfig", "plist");
     };
-    if (now)
+    if (now) {
       environment.now = [now] { return tavuro::Instant(std::chrono::duration<double>(*now)); };
+    }
     return environment;
   }
 
   std::string path_;
   std::error_code ignored_;
 };
-
-/// An XML property list whose root dict holds `entries` (key -> value element).
-std::string plistXml(const Dict& entries) {
-  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>";
-  for (const auto& [key, element] : entries) xml += "<key>" + key + "</key>" + element;
-  return xml + "</dict></plist>\n";
-}
 
 std::optional<Dict> readBack(const std::string& path) {
   const auto bytes = readWholeFile(path);
@@ -85,58 +80,19 @@ std::string tokenExpiringAt(long long seconds) {
   return "eyJhbGciOiJIUzI1NiJ9." + tavuro::platform::base64Encode(payload) + ".sig";
 }
 
-const Dict kFullFile{{"tavuro_username", "<string>user</string>"},
-                     {"tavuro_password", "<string>pass</string>"},
-                     {"tavuro_subscription", "<string>sub</string>"},
-                     {"frm_endpoint", "<string>frm</string>"},
-                     {"ferisant_endpoint", "<string>id</string>"},
-                     {"med_endpoint", "<string>med</string>"},
-                     {"passive_liveness_endpoint", "<string>live</string>"},
-                     {"kelmo_endpoint", "<string>kelmo</string>"},
-                     {"unknown_key", "<string>x</string>"}};
-
-TEST(CredentialFile, LoadingTakesOnlyTextValues) {
-  const struct {
-    std::string bytes;
-    bool read;
-    Text username, password, kelmo;
-  } cases[] = {
-      {"<plist><dict><key>tavuro_username</key><string>u</string>", false, {}, {}, {}},
-      {plistXml({{"tavuro_username", "<integer>7</integer>"},
-                 {"tavuro_password", "<string/>"},
-                 {"kelmo_endpoint", "<integer>1</integer>"}}),
-       true,
-       {},
-       "",
-       TAVURO_KELMO_DEFAULT_ENDPOINT},
-      {plistXml({{"kelmo_endpoint", "<string></string>"}}), true, {}, {}, ""},
-  };
-  for (const auto& c : cases) {
-    TempDir dir;
-    dir.write(c.bytes);
-    const auto fields = tavuro::detail::loadCredentialFile(dir.file());
-    ASSERT_EQ(fields.endpoints != nullptr, c.read) << c.bytes;
-    EXPECT_EQ(fields.username, c.username) << c.bytes;
-    EXPECT_EQ(fields.password, c.password) << c.bytes;
-    EXPECT_EQ(c.read ? fields.endpoints->kelmoEndpoint() : std::nullopt, c.kelmo) << c.bytes;
-  }
-}
-
-TEST(CredentialStore, WithoutAConfigurationFileStaysEmptyAndWritesNothing) {
-  TempDir dir;
-  std::filesystem::create_directory(dir.file());  // no resource either
-  CredentialStore store(dir.environment());
-  EXPECT_EQ(store.username(), std::nullopt);
-  EXPECT_EQ(store.endpoints(), nullptr);
-  store.setUsername("user");
-  store.setEndpoints(tavuro::Endpoints::newInstance());
-  EXPECT_EQ(store.username(), "user");
-  EXPECT_TRUE(std::filesystem::is_empty(dir.file()));
-}
+const Dict kFullFile{{"tavuro_username", "user"},
+                     {"tavuro_password", "pass"},
+                     {"tavuro_subscription", "sub"},
+                     {"frm_endpoint", "frm"},
+                     {"ferisant_endpoint", "id"},
+                     {"med_endpoint", "med"},
+                     {"passive_liveness_endpoint", "live"},
+                     {"kelmo_endpoint", "kelmo"},
+                     {"unknown_key", "x"}};
 
 TEST(CredentialStore, EverySaveWritesOnlyTheSavedKeys) {
   TempDir dir;
-  dir.write(plistXml(kFullFile));
+  dir.write(writeXmlPlist(kFullFile));
   CredentialStore store(dir.environment());
   const auto endpoints = store.endpoints();
   ASSERT_NE(endpoints, nullptr);
@@ -237,7 +193,7 @@ TEST(CredentialStore, ValidityNeedsThreeFilledCredentialsOrAnyToken) {
 
 TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
   TempDir dir;
-  dir.write(plistXml({}));
+  dir.write(writeXmlPlist({}));
   CredentialStore store(dir.environment());
   for (const std::string& text :
        {std::string(), std::string("a\r\nb\r"), std::string("<&>]]>&amp;"),
@@ -261,17 +217,17 @@ TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
 // thread comes first.
 TEST(Credential, AnEmptyEndpointIsRefusedBeforeTheStoreLoads) {
   TempDir dir;
-  dir.write(plistXml({{"tavuro_username", "<string>before</string>"}}));
+  dir.write(writeXmlPlist({{"tavuro_username", "before"}}));
   tavuro::setResourceDirectory(dir.path_);
   EXPECT_FALSE(Credential::isCredentialValid(std::nullopt));
   EXPECT_FALSE(Credential::isCredentialValid(""));
-  dir.write(plistXml({{"tavuro_username", "<string>after</string>"}}));
+  dir.write(writeXmlPlist({{"tavuro_username", "after"}}));
   EXPECT_EQ(Credential::username(), "after");  // loaded only now
 }
 
 TEST(Credential, ConcurrentFirstUseSeesOneLoadedStore) {
   TempDir dir;
-  dir.write(plistXml(kFullFile));
+  dir.write(writeXmlPlist(kFullFile));
   tavuro::setResourceDirectory(dir.path_);
   std::atomic<bool> go{false};
   std::vector<std::shared_ptr<tavuro::Endpoints>> seen(8);
@@ -329,7 +285,7 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
 
   // The store keeps a value whose save failed in memory only.
   TempDir dir;
-  dir.write(plistXml({{"tavuro_username", "<string>old</string>"}}));
+  dir.write(writeXmlPlist({{"tavuro_username", "old"}}));
   auto environment = dir.environment();
   environment.writeFile = [](const std::string& path, std::string_view bytes) {
     g_calls = 0;
