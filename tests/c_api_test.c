@@ -102,7 +102,8 @@ static void image_record(void) {
   tavuro_Picture_release(held);
 
   /* The buffer is shared, not copied. */
-  CHECK(tavuro_ByteBuffer_appendBytes_length(buffer, "\xFF\xD9", 2));
+  CHECK(tavuro_ByteBuffer_appendBytes_length(buffer, "\xFF\xD9", 2) &&
+        !tavuro_ByteBuffer_appendBytes_length(NULL, "\xFF", 1));
   tavuro_ByteBuffer_release(buffer);
   tavuro_ByteBuffer* data = tavuro_Image_data(image);
   CHECK(tavuro_ByteBuffer_length(data) == 4 && tavuro_ByteBuffer_bytes(data)[3] == 0xD9);
@@ -132,33 +133,25 @@ static void image_record(void) {
   tavuro_Image_release(image);
 }
 
-static int package_order[8], package_calls = 0, callback_calls = 0;
+static char package_order[8];
 
 static void start_package(void* context) {
-  if (package_calls < 8) package_order[package_calls] = *(const int*)context;
-  ++package_calls;
+  strncat(package_order, (const char*)context, 1);
 }
 
 static void started(void* context, tavuro_TavuroError* error) {
-  CHECK(error == NULL && package_calls == *(const int*)context);
-  ++callback_calls;
+  CHECK(error == NULL && strcmp(package_order, (const char*)context) == 0);
+  strcat(package_order, "!");
 }
 
 static void initializer(void) {
-  const int ids[2] = {1, 2}, expected_calls = 3, none = 3;
+  /* A null entry is skipped, a duplicate runs again, the callback comes last. */
   const tavuro_ITavuroPackage packages[4] = {
-      {start_package, (void*)&ids[0]},
-      {NULL, NULL}, /* skipped */
-      {start_package, (void*)&ids[1]},
-      {start_package, (void*)&ids[0]}, /* a duplicate runs again */
-  };
+      {start_package, "a"}, {NULL, NULL}, {start_package, "b"}, {start_package, "a"}};
   tavuro_TavuroInitializer* starter = tavuro_TavuroInitializer_init();
-  tavuro_TavuroInitializer_initializeWithPackages_callback(starter, packages, 4, started,
-                                                           (void*)&expected_calls);
-  CHECK(package_calls == 3 && callback_calls == 1);
-  CHECK(package_order[0] == 1 && package_order[1] == 2 && package_order[2] == 1);
-  tavuro_TavuroInitializer_initializeWithPackages_callback(starter, NULL, 0, started, (void*)&none);
-  CHECK(callback_calls == 2);
+  tavuro_TavuroInitializer_initializeWithPackages_callback(starter, packages, 4, started, "aba");
+  tavuro_TavuroInitializer_initializeWithPackages_callback(starter, NULL, 0, started, "aba!");
+  CHECK(strcmp(package_order, "aba!!") == 0);
   tavuro_TavuroInitializer_release(starter);
 }
 
@@ -166,44 +159,41 @@ static void json(void) {
   tavuro_JsonDictionary* answer = tavuro_Utils_convertToDictionaryWithText(
       "{\"n\":12,\"x\":12.5,\"s\":\"a\\u0000b\",\"ok\":true,\"list\":[1,{\"k\":\"v\"}],\"nil\":"
       "null}");
-  CHECK(answer != NULL && tavuro_JsonDictionary_count(answer) == 6);
-  CHECK(tavuro_Utils_getIntValueWithJsonDict_key(answer, "n") == 12);
-  CHECK(tavuro_Utils_getIntValueWithJsonDict_key(answer, "x") == 0);
-  CHECK(tavuro_Utils_getDoubleValueWithJsonDict_key(answer, "x") == 12.5);
-  CHECK(tavuro_Utils_getBooleanValueWithJsonDict_key(answer, "ok"));
+  CHECK(tavuro_JsonDictionary_count(answer) == 6 &&
+        tavuro_Utils_getIntValueWithJsonDict_key(answer, "n") == 12 &&
+        tavuro_Utils_getDoubleValueWithJsonDict_key(answer, "x") == 12.5 &&
+        tavuro_Utils_getBooleanValueWithJsonDict_key(answer, "ok") &&
+        tavuro_Utils_getObjectValueWithJsonDict_key(answer, "list") == NULL &&
+        tavuro_JsonDictionary_keyAtIndex(answer, 6) == NULL &&
+        tavuro_JsonDictionary_objectForKey(answer, "missing") == NULL);
   CHECK_TEXT(tavuro_Utils_getStringValueWithJsonDict_key(answer, "n"), "");
   CHECK_TEXT(tavuro_Utils_getStringValueWithJsonDict_key(NULL, "s"), "");
-  CHECK(tavuro_Utils_getObjectValueWithJsonDict_key(answer, "list") == NULL);
   CHECK_TEXT(tavuro_JsonDictionary_keyAtIndex(answer, 4), "list");
-  CHECK(tavuro_JsonDictionary_keyAtIndex(answer, 6) == NULL);
-
-  tavuro_JsonValue* text = tavuro_JsonDictionary_objectForKey(answer, "s");
+  tavuro_JsonValue* value = tavuro_JsonDictionary_objectForKey(answer, "s");
   size_t length = 0;
-  char* bytes = tavuro_JsonValue_stringValue(text, &length);
+  char* bytes = tavuro_JsonValue_stringValue(value, &length); /* NUL inside */
   CHECK(length == 3 && bytes[1] == '\0' && bytes[2] == 'b');
   tavuro_string_free(bytes);
-  tavuro_JsonValue_release(text);
-  tavuro_JsonValue* null_value = tavuro_JsonDictionary_objectForKey(answer, "nil");
-  CHECK(null_value != NULL && tavuro_JsonValue_kind(null_value) == TAVURO_JSON_NULL);
-  tavuro_JsonValue_release(null_value);
-  CHECK(tavuro_JsonDictionary_objectForKey(answer, "missing") == NULL);
+  tavuro_JsonValue_release(value);
+  value = tavuro_JsonDictionary_objectForKey(answer, "nil");
+  CHECK(value != NULL && tavuro_JsonValue_kind(value) == TAVURO_JSON_NULL);
+  tavuro_JsonValue_release(value);
 
   /* An array outlives the dictionary it came from. */
   tavuro_JsonArray* list = tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(answer, "list");
   tavuro_JsonDictionary_release(answer);
-  CHECK(tavuro_JsonArray_count(list) == 2);
-  tavuro_JsonValue* first = tavuro_JsonArray_objectAtIndex(list, 0);
   int64_t number = 0;
   bool flag = false;
-  CHECK(tavuro_JsonValue_int64Value(first, &number) && number == 1);
-  CHECK(!tavuro_JsonValue_boolValue(first, &flag));
-  tavuro_JsonValue_release(first);
-  tavuro_JsonValue* second = tavuro_JsonArray_objectAtIndex(list, 1);
-  tavuro_JsonDictionary* inner = tavuro_JsonValue_dictionaryValue(second);
+  value = tavuro_JsonArray_objectAtIndex(list, 0);
+  CHECK(tavuro_JsonArray_count(list) == 2 && tavuro_JsonArray_objectAtIndex(list, 2) == NULL);
+  CHECK(tavuro_JsonValue_int64Value(value, &number) && number == 1);
+  CHECK(!tavuro_JsonValue_boolValue(value, &flag));
+  tavuro_JsonValue_release(value);
+  value = tavuro_JsonArray_objectAtIndex(list, 1);
+  tavuro_JsonDictionary* inner = tavuro_JsonValue_dictionaryValue(value);
   CHECK_TEXT(tavuro_Utils_getStringValueWithJsonDict_key(inner, "k"), "v");
   tavuro_JsonDictionary_release(inner);
-  tavuro_JsonValue_release(second);
-  CHECK(tavuro_JsonArray_objectAtIndex(list, 2) == NULL);
+  tavuro_JsonValue_release(value);
   tavuro_JsonArray_release(list);
   CHECK(tavuro_Utils_convertToDictionaryWithText("[1,2]") == NULL);
   CHECK(tavuro_Utils_convertToDictionaryWithText(NULL) == NULL);
@@ -219,64 +209,60 @@ static void tokens(void) {
   CHECK(claims != NULL && tavuro_JsonDictionary_count(claims) == 0);
   tavuro_JsonDictionary_release(claims);
   CHECK(tavuro_TavuroJwtParser_decodeJWTPart(parser, "WzFd") == NULL); /* [1] */
-
   tavuro_TavuroJwtToken* live = tavuro_TavuroJwtParser_parseTokenWithJwtToken(parser, LIVE_TOKEN);
-  CHECK(tavuro_TavuroJwtToken_expiration(live) == 4102444800.0 &&
-        tavuro_TavuroJwtToken_isValid(live));
-  CHECK_TEXT(tavuro_TavuroJwtToken_value(live), LIVE_TOKEN);
-  tavuro_TavuroJwtToken_release(live);
-  tavuro_TavuroJwtParser_release(parser);
   tavuro_TavuroJwtToken* made = tavuro_TavuroJwtToken_initWithValue_expiration("", 1.0);
-  CHECK(!tavuro_TavuroJwtToken_isValid(made));
+  CHECK(tavuro_TavuroJwtToken_expiration(live) == 4102444800.0 &&
+        tavuro_TavuroJwtToken_isValid(live) && !tavuro_TavuroJwtToken_isValid(made));
+  CHECK_TEXT(tavuro_TavuroJwtToken_value(live), LIVE_TOKEN);
   CHECK_TEXT(tavuro_TavuroJwtToken_value(made), "");
+  tavuro_TavuroJwtToken_release(live);
   tavuro_TavuroJwtToken_release(made);
+  tavuro_TavuroJwtParser_release(parser);
 }
 
 static void credential(const char* directory) {
   char path[512], saved[4096] = "";
   snprintf(path, sizeof path, "%s/TavuroConfig.plist", directory);
   FILE* file = fopen(path, "w");
-  CHECK(file != NULL);
-  if (file == NULL) return;
-  fputs(
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
-      "\t<key>tavuro_username</key>\n\t<string>demo</string>\n"
-      "\t<key>tavuro_password</key>\n\t<string>secret</string>\n"
-      "\t<key>kelmo_endpoint</key>\n\t<string>https://kelmo.example/</string>\n"
-      "</dict>\n</plist>\n",
-      file);
-  fclose(file);
-
+  if (file != NULL) {
+    fputs(
+        "<plist><dict><key>tavuro_username</key><string>demo</string><key>tavuro_password</key>"
+        "<string>secret</string><key>kelmo_endpoint</key><string>https://k/</string></dict>"
+        "</plist>",
+        file);
+    fclose(file);
+  }
+  tavuro_string_free(tavuro_resourceDirectory()); /* none named, none in the environment */
   tavuro_setResourceDirectory(directory);
+  CHECK_TEXT(tavuro_resourceDirectory(), directory);
   CHECK_TEXT(tavuro_Credential_username(), "demo");
   CHECK_TEXT(tavuro_Credential_subscription(), NULL);
   CHECK_TEXT(tavuro_Credential_getTavuroAuthHeader(), "Basic ZGVtbzpzZWNyZXQ=");
-  CHECK(!tavuro_Credential_isCredentialValidWithEndpoint("https://frm.example/"));
+  CHECK(!tavuro_Credential_isCredentialValidWithEndpoint("https://f/"));
 
-  /* The store hands out its own record: a change is seen by a later reader. */
+  /* The store hands out its own record: a change is seen by a later reader,
+   * and the next save writes it (and not kelmo). */
   tavuro_Endpoints* endpoints = tavuro_Credential_endpoints();
-  CHECK_TEXT(tavuro_Endpoints_kelmoEndpoint(endpoints), "https://kelmo.example/");
-  tavuro_Endpoints_setFrmEndpoint(endpoints, "https://frm.example/");
+  CHECK_TEXT(tavuro_Endpoints_kelmoEndpoint(endpoints), "https://k/");
+  tavuro_Endpoints_setFrmEndpoint(endpoints, "https://f/");
   tavuro_Endpoints_release(endpoints);
   endpoints = tavuro_Credential_endpoints();
-  CHECK_TEXT(tavuro_Endpoints_frmEndpoint(endpoints), "https://frm.example/");
+  CHECK_TEXT(tavuro_Endpoints_frmEndpoint(endpoints), "https://f/");
   tavuro_Endpoints_release(endpoints);
-
-  /* A setter rewrites the file: the changed endpoint in, kelmo out. */
   tavuro_Credential_setSubscriptionWithSubscription("sub");
   file = fopen(path, "rb");
   CHECK(file != NULL && fread(saved, 1, sizeof saved - 1, file) > 0);
   if (file != NULL) fclose(file);
-  CHECK(strstr(saved, "https://frm.example/") != NULL && strstr(saved, "kelmo_endpoint") == NULL);
-  CHECK(tavuro_Credential_isCredentialValidWithEndpoint("https://frm.example/"));
+  CHECK(strstr(saved, "https://f/") != NULL && strstr(saved, "kelmo_endpoint") == NULL);
+  CHECK(tavuro_Credential_isCredentialValidWithEndpoint("https://f/"));
 
   /* A record set from C is kept by the store after the caller lets go. */
   tavuro_Endpoints* own = tavuro_Endpoints_newInstance();
-  tavuro_Endpoints_setIdEndpoint(own, "https://id.example/");
+  tavuro_Endpoints_setIdEndpoint(own, "https://i/");
   tavuro_Credential_setEndpointsWithEndpoints(own);
   tavuro_Endpoints_release(own);
   endpoints = tavuro_Credential_endpoints();
-  CHECK_TEXT(tavuro_Endpoints_idEndpoint(endpoints), "https://id.example/");
+  CHECK_TEXT(tavuro_Endpoints_idEndpoint(endpoints), "https://i/");
   CHECK_TEXT(tavuro_Endpoints_frmEndpoint(endpoints), NULL);
   tavuro_Endpoints_release(endpoints);
 

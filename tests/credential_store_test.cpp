@@ -70,58 +70,9 @@ class TempDir {
   std::error_code ignored_;
 };
 
-std::optional<Dict> readBack(const std::string& path) {
-  const auto bytes = readWholeFile(path);
-  return bytes ? tavuro::platform::readPlistStringDictionary(*bytes) : std::nullopt;
-}
-
 std::string tokenExpiringAt(long long seconds) {
   const std::string payload = "{\"exp\":" + std::to_string(seconds) + "}";
   return "eyJhbGciOiJIUzI1NiJ9." + tavuro::platform::base64Encode(payload) + ".sig";
-}
-
-const Dict kFullFile{{"tavuro_username", "user"},
-                     {"tavuro_password", "pass"},
-                     {"tavuro_subscription", "sub"},
-                     {"frm_endpoint", "frm"},
-                     {"ferisant_endpoint", "id"},
-                     {"med_endpoint", "med"},
-                     {"passive_liveness_endpoint", "live"},
-                     {"kelmo_endpoint", "kelmo"},
-                     {"unknown_key", "x"}};
-
-TEST(CredentialStore, EverySaveWritesOnlyTheSavedKeys) {
-  TempDir dir;
-  dir.write(writeXmlPlist(kFullFile));
-  CredentialStore store(dir.environment());
-  const auto endpoints = store.endpoints();
-  ASSERT_NE(endpoints, nullptr);
-  EXPECT_EQ(endpoints->kelmoEndpoint(), "kelmo");
-  EXPECT_EQ(store.subscription(), "sub");
-  Dict expected{{"tavuro_password", "pass"},
-                {"tavuro_subscription", "sub"},
-                {"frm_endpoint", "frm"},
-                {"ferisant_endpoint", "id"},
-                {"med_endpoint", "med"}};
-  store.setUsername(std::nullopt);
-  EXPECT_EQ(readBack(dir.file()), expected);
-
-  // A change on the shared record reaches the file only with the next save.
-  endpoints->setFrmEndpoint("frm2");
-  endpoints->setIdEndpoint(std::nullopt);
-  EXPECT_EQ(readBack(dir.file()), expected);
-  store.setSubscription(store.subscription());  // saves even without a change
-  expected["frm_endpoint"] = "frm2";
-  expected.erase("ferisant_endpoint");
-  EXPECT_EQ(readBack(dir.file()), expected);
-
-  store.setPassword("");
-  const auto empty = tavuro::Endpoints::newInstance();
-  store.setEndpoints(empty);
-  EXPECT_EQ(store.endpoints(), empty);
-  EXPECT_EQ(readBack(dir.file()), (Dict{{"tavuro_password", ""}, {"tavuro_subscription", "sub"}}));
-  EXPECT_EQ(endpoints->passiveLivenessEndpoint(), "live");  // memory keeps what the file lost
-  EXPECT_EQ(dir.entries(), Names{"TavuroConfig.plist"});
 }
 
 TEST(CredentialStore, TokenSlotChangesOnlyOnSuccessOrRemoval) {
@@ -191,24 +142,19 @@ TEST(CredentialStore, ValidityNeedsThreeFilledCredentialsOrAnyToken) {
   }
 }
 
+// Which texts load back is the save fuzz target's check; here, what the store
+// does with one that would not.
 TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
   TempDir dir;
   dir.write(writeXmlPlist({}));
   CredentialStore store(dir.environment());
-  for (const std::string& text :
-       {std::string(), std::string("a\r\nb\r"), std::string("<&>]]>&amp;"),
-        std::string("nul\0inside", 10), std::string("\x01\x7F\t\xC3\xA9\xF0\x9F\x98\x80"),
-        std::string(1 << 20, 'p')}) {
-    store.setPassword(text);
-    EXPECT_EQ(tavuro::detail::loadCredentialFile(dir.file()).password, text);
-  }
-  const std::string lastSaved = *readWholeFile(dir.file());
-  for (const std::string& text : {std::string("pw-\xFF"), std::string("\xC0\xAF"),
-                                  std::string("\xED\xA0\x80"), std::string("\xF4\x90\x80\x80"),
-                                  std::string("cut\xE2\x82"), std::string((16 << 20) + 1, 'p')}) {
+  store.setPassword(std::string("nul\0inside\r\n", 12));
+  const std::string saved = *readWholeFile(dir.file());
+  EXPECT_EQ(tavuro::detail::loadCredentialFile(dir.file()).password, store.password());
+  for (const std::string& text : {std::string("pw-\xFF"), std::string((16 << 20) + 1, 'p')}) {
     store.setPassword(text);
     EXPECT_EQ(store.password(), text);
-    EXPECT_EQ(readWholeFile(dir.file()), lastSaved);
+    EXPECT_EQ(readWholeFile(dir.file()), saved);
   }
   EXPECT_EQ(dir.entries(), Names{"TavuroConfig.plist"});
 }
@@ -227,7 +173,7 @@ TEST(Credential, AnEmptyEndpointIsRefusedBeforeTheStoreLoads) {
 
 TEST(Credential, ConcurrentFirstUseSeesOneLoadedStore) {
   TempDir dir;
-  dir.write(writeXmlPlist(kFullFile));
+  dir.write(writeXmlPlist({{"tavuro_username", "user"}}));
   tavuro::setResourceDirectory(dir.path_);
   std::atomic<bool> go{false};
   std::vector<std::shared_ptr<tavuro::Endpoints>> seen(8);
@@ -285,7 +231,8 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
 
   // The store keeps a value whose save failed in memory only.
   TempDir dir;
-  dir.write(writeXmlPlist({{"tavuro_username", "old"}}));
+  const std::string original = writeXmlPlist({{"tavuro_username", "old"}});
+  dir.write(original);
   auto environment = dir.environment();
   environment.writeFile = [](const std::string& path, std::string_view bytes) {
     g_calls = 0;
@@ -294,7 +241,7 @@ TEST(AtomicWrite, FailureLeavesTheOldFileAndNoTemporary) {
   CredentialStore store(environment);
   store.setUsername("new");
   EXPECT_EQ(store.username(), "new");
-  EXPECT_EQ(readBack(dir.file()), (Dict{{"tavuro_username", "old"}}));
+  EXPECT_EQ(readWholeFile(dir.file()), original);
   EXPECT_EQ(dir.entries(), Names{"TavuroConfig.plist"});
 }
 

@@ -84,6 +84,7 @@ TEST(JsonReader, DetectsEncodings) {
       encode(std::u16string_view(u"[\"\xD800\"]"), false, true),  // unpaired surrogate
       encode(std::u16string_view(u"[1]"), true, false) + "x",     // odd length
       encode(std::u32string_view(U"[\x110000]"), false, true),    // beyond Unicode
+      encode(std::u32string_view(U"[\"\xDC00\"]"), true, false),  // a surrogate
       "\xEF\xBB\xBF\xEF\xBB\xBF[]",                               // a second mark is text
   });
 }
@@ -150,8 +151,8 @@ TEST(JsonReader, StringEscapesAndUnicode) {
       "\x01",         "a\nb",         "\x1F",    "\t",      "\\x",      "\\U0041",
       "\\u12",        "\\u12G4",      "\\ud800", "\\udc00", "\\ud800x", "\xC0\x80",
       "\xE0\x80\x80", "\xED\xA0\x80", "\xC3",    "\x80",    "\xE2\x82", "\xFF"};
-  strings.insert(strings.end(),
-                 {"\\udc00\\ud800", "\\ud800\\u0041", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80"});
+  strings.insert(strings.end(), {"\\udc00\\ud800", "\\ud800\\u0041", "\xF4\x90\x80\x80",
+                                 "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80"});
   for (std::string& text : strings) text = "[\"" + text + "\"]";
   strings.push_back(std::string("[\"\0\"]", 5));
   strings.push_back("[\"abc");

@@ -54,14 +54,6 @@ TEST(RawValues, OnlyEnumeratedValuesConvertBack) {
   }
 }
 
-// Each test runs in its own process, so each sees a fresh mode.
-TEST(DocumentProcessingMode, StartsStandardAndSwitchesToDataCaptureForGood) {
-  EXPECT_EQ(tavuro::rawValue(DocumentProcessingMode::processingMode()), 2);
-  DocumentProcessingMode::setDataCaptureProcessingMode();
-  DocumentProcessingMode::setDataCaptureProcessingMode();
-  EXPECT_EQ(tavuro::rawValue(DocumentProcessingMode::processingMode()), 1);
-}
-
 TEST(DocumentProcessingMode, FirstUseFromManyThreadsSeesOneInstance) {
   std::vector<std::thread> threads;
   std::vector<ProcessingMode> seen(8);
