@@ -1,7 +1,7 @@
 // Fuzz target for the JSON reader. Beyond "no crash, no leak", it checks:
 //  * a failure comes with a one-line description and no value;
 //  * every key of a dictionary finds its own value, a key it lacks finds
-//    nothing, and the getters agree with the value's own accessors;
+//    nothing;
 //  * writing the value out and reading it again gives the same text
 //    (strings, number kinds and doubles survive bit for bit), the second
 //    reading built in the node memory that the first one left to the pool.
@@ -11,14 +11,12 @@
 #include <string>
 #include <string_view>
 
-#include "TavuroCommon/TavuroCommon.h"
 #include "common/JsonAccess.h"
 #include "platform/Json.h"
 
 namespace {
 
 using tavuro::JsonValue;
-using tavuro::Utils;
 
 void check(bool condition) {
   if (!condition) __builtin_trap();
@@ -64,7 +62,7 @@ void write(const JsonValue& value, std::string& out) {
       return;
     }
     case JsonValue::Kind::Object: {
-      const std::optional<tavuro::JsonDictionary> object = *value.dictionaryValue();
+      const std::optional<tavuro::JsonDictionary> object = value.dictionaryValue();
       out += '{';
       for (std::size_t i = 0; i < object->size(); ++i) {
         const std::string key(object->keyAt(i));
@@ -72,12 +70,6 @@ void write(const JsonValue& value, std::string& out) {
         // Keys are unique, so a lookup must find this very member.
         const std::optional<JsonValue> found = object->find(key);
         check(found && found->kind() == member.kind());
-        check(Utils::getIntValue(object, key) == member.int64Value().value_or(0));
-        check(Utils::getBooleanValue(object, key) == member.boolValue().value_or(false));
-        check(Utils::getDoubleValue(object, key) == member.doubleValue().value_or(0.0));
-        check(Utils::getArrayValue(object, key).has_value() == member.arrayValue().has_value());
-        check(Utils::getObjectValue(object, key).has_value() ==
-              member.dictionaryValue().has_value());
         check(!object->contains(key + '\xff'));  // no key read from a text ends in 0xFF
         out += i ? "," : "";
         writeString(key, out);

@@ -6,11 +6,9 @@
 #include <TavuroCommon/TavuroCommon_c.h>
 
 #include <pthread.h>
-#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 static int failures = 0;
@@ -309,22 +307,6 @@ static void threads(void) {
   tavuro_Endpoints_release(shared);
 }
 
-/* The deliberate stops reach C callers too: the child must end by abort. */
-static void stops(void) {
-  for (int which = 0; which < 2; ++which) {
-    fflush(NULL);
-    const pid_t child = fork();
-    if (child == 0) {
-      if (which == 0) tavuro_Utils_dateFieldToDateStringWithDateStr(NULL);
-      if (which == 1) tavuro_Credential_setTokenWithToken("no-dot");
-      _exit(0);
-    }
-    int status = 0;
-    CHECK(child > 0 && waitpid(child, &status, 0) == child);
-    CHECK(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
-  }
-}
-
 int main(void) {
   char directory[] = "/tmp/tavuro_c_api_XXXXXX";
   CHECK(mkdtemp(directory) != NULL);
@@ -337,7 +319,6 @@ int main(void) {
   credential(directory);
   settings_and_mode();
   threads();
-  stops();
   rmdir(directory);
   return failures == 0 ? 0 : 1;
 }

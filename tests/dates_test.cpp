@@ -13,30 +13,20 @@ namespace {
 using tavuro::Utils;
 
 TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
+  // The fuzz target's model judges many more (its corpus); these pin dates.
   // An empty expectation means "the argument comes back unchanged".
   const std::pair<const char*, const char*> cases[] = {
       {"/Date(1234567890000)/", "02-13-2009"},
       {"/Date(1609459199999)/", "12-31-2020"},  // 999 ms never carry over
       {"/Date(-999)/", "01-01-1970"},           // toward zero, not down
       {"-1500", "12-31-1969"},
-      {"+5000", "01-01-1970"},
       {"DateDate(5000)", "01-01-1970"},
-      {"(/-)/86400000", "12-31-1969"},  // markers anywhere, sign still leads
       {"12/25/2020", "01-01-1970"},
-      {"0009223372036854775807", "12-20-5828963"},  // int64 max, pinned
-      {"-9223372036854775808", "09-20-5838270"},    // int64 min, pinned
+      {"9223372036854775807", "12-20-5828963"},   // int64 max, pinned
+      {"-9223372036854775808", "09-20-5838270"},  // int64 min, pinned
       {"/Date(1234567890000-0500)/", ""},
-      {"/Date()/", ""},
-      {"", ""},
-      {"/Date( 123)/", ""},
-      {"/date(5000)/", ""},  // the word is matched case-sensitively
-      {"DaDatete(5)", ""},   // the word's removal does not run again...
-      {"Da/te(5)", ""},      // ...nor after the markers' removal
-      {"-", ""},
-      {"+-5", ""},
-      {"5-", ""},
+      {"DaDatete(5)", ""},  // the word's removal does not run again
       {"9223372036854775808", ""},
-      {"-9223372036854775809", ""},
   };
   for (const auto& [field, expected] : cases) {
     EXPECT_EQ(Utils::dateFieldToDateString(std::string(field)), *expected ? expected : field)

@@ -21,16 +21,13 @@ namespace {
 
 using test::describe;
 
-struct Accepts {
-  std::string text;
-  std::string value;
-};
-
+// Each text with the value it must read to (see describe()).
+using Accepts = std::pair<std::string, std::string>;
 void expectAccepted(const std::vector<Accepts>& rows) {
-  for (const Accepts& row : rows) {
-    const detail::JsonReadResult result = detail::readJson(row.text);
-    ASSERT_TRUE(result.value) << row.text << " -> " << result.errorDescription;
-    EXPECT_EQ(describe(*result.value), row.value) << row.text;
+  for (const auto& [text, value] : rows) {
+    const detail::JsonReadResult result = detail::readJson(text);
+    ASSERT_TRUE(result.value) << text << " -> " << result.errorDescription;
+    EXPECT_EQ(describe(*result.value), value) << text;
     EXPECT_TRUE(result.errorDescription.empty());
   }
 }
@@ -59,7 +56,7 @@ std::string encode(std::basic_string_view<Char> units, bool bigEndian, bool byte
 
 std::string repeat(const std::string& piece, int times) {
   std::string text;
-  for (int i = 0; i < times; ++i) text += piece;
+  while (times-- > 0) text += piece;
   return text;
 }
 
@@ -213,18 +210,17 @@ TEST(JsonReader, ValuesOwnTheirTextAndStayInRange) {
 }
 
 // Documents large enough to recycle arena chunks are parsed on several
-// threads at once (meaningful under ThreadSanitizer). Each thread hands one
-// element of its document to another thread and drops the rest: that element
-// alone must keep its document alive, while other parses reuse freed chunks,
-// until the receiver has read it and freed the document.
+// threads at once (meaningful under ThreadSanitizer). Each thread hands the
+// last element of its document to the next thread and drops the rest: that
+// element alone must keep its document alive while other parses reuse freed
+// chunks, until the receiver has read it.
 TEST(JsonReader, DocumentsCrossThreadsAndStayAliveThroughAnyValue) {
-  constexpr int kThreads = 4;
-  constexpr int kElements = 20000;
+  constexpr int kThreads = 4, kElements = 20000;
   const auto v = [](const JsonValue& element) {
     return element.dictionaryValue()->find("v")->int64Value().value_or(-1);
   };
   std::mutex mutex;
-  std::optional<std::pair<int, JsonValue>> handedOver;  // origin thread, last element
+  std::optional<std::pair<int, JsonValue>> handedOver;  // origin thread, its last element
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {

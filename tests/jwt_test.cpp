@@ -34,21 +34,12 @@ TEST(TavuroJwtParser, Base64UrlDecodeMapsTheAlphabetAndSkipsStrangers) {
   }
 }
 
-TEST(TavuroJwtParser, DecodeReadsOnlyTheSecondSegmentAsAnObject) {
-  const std::string a = segment(R"({"from":"a"})");
-  const std::string b = segment(R"({"from":"b"})");
-  // Empty segments count: in "a..b" the second one is empty.
-  const std::pair<std::string, std::optional<std::string>> cases[] = {
-      {a + "." + b + "." + a + "." + a, "b"}, {"." + b, "b"},
-      {a + ".." + b, std::nullopt},           {"x.", std::nullopt},
-      {"header.!!!!.sig", std::nullopt},      {token("[1,2]"), std::nullopt}};
+// Which segment decode reads is the token fuzz target's check (its corpus
+// holds empty and surplus segments); here, that only an object counts.
+TEST(TavuroJwtParser, DecodeTakesOnlyAnObject) {
   const TavuroJwtParser parser;
-  for (const auto& [text, from] : cases) {
-    const tavuro::JsonDictionary claims = parser.decode(text);
-    const auto value = claims.find("from");
-    EXPECT_EQ(value ? value->stringValue() : std::nullopt, from) << text;
-    EXPECT_EQ(claims.size(), from ? 1u : 0u) << text;
-  }
+  EXPECT_EQ(parser.decode(token(R"({"k":true})")).size(), 1U);
+  EXPECT_EQ(parser.decode(token("[1,2]")).size(), 0U);
   EXPECT_TRUE(parser.decodeJWTPart(segment(R"({"k":true})")).has_value());
   EXPECT_FALSE(parser.decodeJWTPart(segment("[1]")).has_value());
 }

@@ -1,13 +1,13 @@
 // The C++ side of python_oracle.py. Bytes travel as hex, one request a line.
 //   base64             stdin "E <hex>" -> our encoding; "D <text>" -> hex of
 //                      the lenient decoding, or "absent"
-//   plist-read FILE... one line per file: hex key:value pairs, or "absent"
+//   plist-read FILE... one line per file: "hexkey:hexvalue," pairs, or "absent"
 //   plist-write        stdin "hexkey:hexvalue,..." -> hex of the XML written
 //   credential DIR [set FIELD HEX|- | endpoints ID MED FRM]...
 //                      runs the setters on the store over DIR, then prints
 //                      "name hex" or "name -" for every field it holds
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -47,33 +47,27 @@ std::string hex(const Text& text) {
   return text ? hex(*text) : "-";
 }
 
-std::string pairs(const std::optional<std::map<std::string, std::string>>& dictionary) {
-  if (!dictionary) return "absent";
-  std::string line;
-  for (const auto& [key, value] : *dictionary) line += hex(key) + ":" + hex(value) + ",";
-  return line;
-}
-
-int credential(int argc, char** argv) {
+void credential(int argc, char** argv) {
   using tavuro::Credential;
   tavuro::setResourceDirectory(argv[0]);
-  for (int i = 1; i < argc; ++i) {
+  for (int i = 1; i < argc;) {
     const std::string op = argv[i];
-    if (op == "set" && i + 2 < argc) {
+    if (op == "endpoints" && i + 3 < argc) {
+      auto endpoints = tavuro::Endpoints::newInstance();
+      endpoints->setIdEndpoint(fromHex(argv[i + 1]));
+      endpoints->setHealthInsuranceEndpoint(fromHex(argv[i + 2]));
+      endpoints->setFrmEndpoint(fromHex(argv[i + 3]));
+      Credential::setEndpoints(endpoints);
+      i += 4;
+    } else if (op == "set" && i + 2 < argc) {
       const std::string field = argv[i + 1];
       const Text value = fromHex(argv[i + 2]);
-      i += 2;
       if (field == "username") Credential::setUsername(value);
       if (field == "password") Credential::setPassword(value);
       if (field == "subscription") Credential::setSubscription(value);
-    } else if (op == "endpoints" && i + 3 < argc) {
-      auto endpoints = tavuro::Endpoints::newInstance();
-      endpoints->setIdEndpoint(fromHex(argv[++i]));
-      endpoints->setHealthInsuranceEndpoint(fromHex(argv[++i]));
-      endpoints->setFrmEndpoint(fromHex(argv[++i]));
-      Credential::setEndpoints(endpoints);
+      i += 3;
     } else {
-      return 2;
+      std::exit(2);
     }
   }
   std::cout << "username " << hex(Credential::username()) << "\npassword "
@@ -84,7 +78,6 @@ int credential(int argc, char** argv) {
               << hex(e->healthInsuranceEndpoint()) << "\npassive "
               << hex(e->passiveLivenessEndpoint()) << "\nkelmo " << hex(e->kelmoEndpoint()) << "\n";
   }
-  return 0;
 }
 
 }  // namespace
@@ -93,37 +86,32 @@ int main(int argc, char** argv) {
   namespace platform = tavuro::platform;
   const std::string mode = argc > 1 ? argv[1] : "";
   std::string line;
-  if (mode == "credential" && argc > 2) return credential(argc - 2, argv + 2);
-  if (mode == "plist-read") {
-    for (int i = 2; i < argc; ++i) {
-      std::ifstream in(argv[i], std::ios::binary);
-      const std::string bytes((std::istreambuf_iterator<char>(in)), {});
-      std::cout << pairs(platform::readPlistStringDictionary(bytes)) << "\n";
+  if (mode == "credential" && argc > 2) credential(argc - 2, argv + 2);
+  for (int i = 2; mode == "plist-read" && i < argc; ++i) {
+    std::ifstream in(argv[i], std::ios::binary);
+    const auto dictionary =
+        platform::readPlistStringDictionary(std::string(std::istreambuf_iterator<char>(in), {}));
+    for (const auto& [key, value] : dictionary.value_or(std::map<std::string, std::string>())) {
+      std::cout << hex(key) << ":" << hex(value) << ",";
     }
-  } else if (mode == "plist-write") {
-    while (std::getline(std::cin, line)) {
-      std::map<std::string, std::string> dictionary;
-      std::istringstream entries(line);
-      for (std::string entry; std::getline(entries, entry, ',');) {
-        const std::size_t colon = entry.find(':');
-        dictionary[*fromHex(entry.substr(0, colon))] = *fromHex(entry.substr(colon + 1));
-      }
-      std::cout << hex(platform::writeXmlPlist(dictionary)) << "\n";
+    std::cout << (dictionary ? "\n" : "absent\n");
+  }
+  while (mode == "plist-write" && std::getline(std::cin, line)) {
+    std::map<std::string, std::string> dictionary;
+    std::istringstream entries(line);
+    for (std::string entry; std::getline(entries, entry, ',');) {
+      const std::size_t colon = entry.find(':');
+      dictionary[*fromHex(entry.substr(0, colon))] = *fromHex(entry.substr(colon + 1));
     }
-  } else if (mode == "base64") {
-    while (std::getline(std::cin, line)) {
-      const std::string argument = line.size() > 2 ? line.substr(2) : std::string();
-      if (line[0] == 'E') {
-        std::cout << platform::base64Encode(*fromHex(argument)) << "\n";
-      } else {
-        const auto decoded = platform::base64DecodeLenient(argument);
-        std::cout << (decoded ? hex(*decoded) : "absent") << "\n";
-      }
-    }
-  } else {
-    std::cerr << "usage: " << argv[0]
-              << " base64 | plist-read FILE... | plist-write | credential DIR OP...\n";
-    return 2;
+    std::cout << hex(platform::writeXmlPlist(dictionary)) << "\n";
+  }
+  while (mode == "base64" && std::getline(std::cin, line)) {
+    const std::string argument = line.size() > 2 ? line.substr(2) : "";
+    const auto decoded = platform::base64DecodeLenient(argument);
+    std::cout << (line[0] == 'E' ? platform::base64Encode(*fromHex(argument))
+                  : decoded      ? hex(*decoded)
+                                 : "absent")
+              << "\n";
   }
   return 0;
 }
