@@ -1,8 +1,6 @@
 # Base64, the date formatter and Utils::dateFieldToDateString.
 
-tavuro_add_test(tavuro_dates_test SOURCES
-  dates_test.cpp
-  base64_test.cpp)
+tavuro_add_test(tavuro_dates_test SOURCES dates_test.cpp)
 
 if(TAVURO_BUILD_ORACLE_TESTS)
   find_package(ICU REQUIRED COMPONENTS i18n uc)
