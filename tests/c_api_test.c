@@ -167,7 +167,10 @@ static void json(void) {
   tavuro_JsonValue_release(value);
 
   /* An array outlives the dictionary it came from. */
-  tavuro_JsonArray* list = tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(answer, "list");
+  tavuro_JsonArray* list = tavuro_Utils_getArrayValueWithJsonDict_key(answer, "list");
+  CHECK(tavuro_JsonArray_count(list) == 2);
+  tavuro_JsonArray_release(list);
+  list = tavuro_Utils_getArrayValueFromJsonWithJsonDict_key(answer, "list");
   tavuro_JsonDictionary_release(answer);
   int64_t number = 0;
   bool flag = false;
@@ -220,6 +223,9 @@ static void credential(const char* directory) {
     fclose(file);
   }
   tavuro_string_free(tavuro_resourceDirectory()); /* none named, none in the environment */
+  setenv("TAVURO_RESOURCE_PATH", directory, 1);
+  CHECK_TEXT(tavuro_resourceDirectory(), directory);
+  unsetenv("TAVURO_RESOURCE_PATH");
   tavuro_setResourceDirectory(directory);
   CHECK_TEXT(tavuro_resourceDirectory(), directory);
   CHECK_TEXT(tavuro_Credential_username(), "demo");

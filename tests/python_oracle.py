@@ -1,19 +1,13 @@
 #!/usr/bin/env python3
-"""Differential tests against Python's base64 and plistlib.
+"""Differential tests against Python's base64 and plistlib; DRIVER is oracle_driver.
 
-Usage: python_oracle.py DRIVER base64 | plist | credential KELMO_DEFAULT
-(DRIVER is oracle_driver; KELMO_DEFAULT the build's default Kelmo address)
+    python_oracle.py DRIVER base64 | plist | credential KELMO_DEFAULT
 
-base64      our encoding of random bytes equals Python's; our lenient decoding
-            agrees with Python's on text both accept: padded, unpadded, blanks.
-plist       what plistlib writes (XML and binary, every kind of value, wide
-            offsets, deep nesting, truncated copies) our
-            reader reads to the string entries plistlib reads back; our
-            writer's output loads in plistlib unchanged and equals
-            plistlib.dumps(sort_keys=True) byte for byte ("\\r" apart).
-credential  configuration files written by plistlib load as the store's rules
-            say (texts only; kelmo falls back to the default); after random
-            setters plistlib reads back exactly the saved keys.
+base64: encoding and lenient decoding of random bytes and texts. plist: what
+plistlib writes (every kind of value, XML and binary, wide, deep, truncated)
+reads to its string entries; what we write loads in plistlib and equals its
+own output byte for byte. credential: files plistlib writes load as the
+store's rules say; after random setters plistlib reads back the saved keys.
 """
 import base64
 import datetime
