@@ -100,44 +100,33 @@ TEST(CredentialStore, TokenSlotChangesOnlyOnSuccessOrRemoval) {
   EXPECT_EQ(store.tavuroAuthHeader(), "Basic dXNlcjpwYXNz");
 }
 
-TEST(CredentialStore, BasicHeaderNeedsUserNameAndPassword) {
-  const struct {
-    Text username, password, header;
-  } cases[] = {{"user", "pass", "Basic dXNlcjpwYXNz"},
-               {"", "", "Basic Og=="},
-               {"a:b", "\xc3\xbc", "Basic YTpiOsO8"},
-               {"user", {}, {}},
-               {{}, "pass", {}},
-               {{}, {}, {}}};
-  TempDir dir;
-  CredentialStore store(dir.environment());
-  for (const auto& c : cases) {
-    store.setUsername(c.username);
-    store.setPassword(c.password);
-    EXPECT_EQ(store.basicAuthHeader(), c.header);
-    EXPECT_EQ(store.tavuroAuthHeader(), c.header);
-  }
-}
-
-TEST(CredentialStore, ValidityNeedsThreeFilledCredentialsOrAnyToken) {
+// The Basic header needs a user name and a password; validity needs all three
+// texts filled, or any token (its expiry is not looked at).
+TEST(CredentialStore, HeaderAndValidityFollowWhatIsSet) {
   TempDir dir;
   double now = 1000.0;
   const struct {
     Text username, password, subscription;
-    bool token, valid;
-  } cases[] = {{"u", "p", "s", false, true},
-               {"u", "p", {}, false, false},
-               {"u", "", "s", false, false},
-               {{}, {}, {}, true, true},
-               {"u", "p", "", true, true}};
+    bool token;
+    Text header;
+    bool valid;
+  } cases[] = {{"user", "pass", "s", false, "Basic dXNlcjpwYXNz", true},
+               {"", "", "s", false, "Basic Og==", false},
+               {"a:b", "\xc3\xbc", {}, false, "Basic YTpiOsO8", false},
+               {"user", {}, "s", false, {}, false},
+               {{}, "pass", {}, false, {}, false},
+               {{}, {}, {}, true, {}, true},
+               {"u", "p", "", true, "Basic dTpw", true}};
   for (const auto& c : cases) {
     CredentialStore store(dir.environment(&now));
     store.setUsername(c.username);
     store.setPassword(c.password);
     store.setSubscription(c.subscription);
     ASSERT_TRUE(!c.token || store.setToken(tokenExpiringAt(2000)));
-    now = 3000.0;  // expiry is not looked at
+    now = 3000.0;
+    EXPECT_EQ(store.basicAuthHeader(), c.header);
     EXPECT_EQ(store.hasCredentialsOrToken(), c.valid);
+    EXPECT_EQ(c.token ? c.header : store.tavuroAuthHeader(), c.header);
     now = 1000.0;
   }
 }
