@@ -19,11 +19,11 @@ def main(cxx_header_path, c_header_path, library, nm):
     cxx = re.sub(r"//[^\n]*", "", open(cxx_header_path, encoding="utf-8").read())
     declared_c = set(re.findall(r"TAVURO_EXPORT[^;{]*?\b(tavuro_\w+)\s*\(",
                                 open(c_header_path, encoding="utf-8").read()))
-    public = set(re.findall(r"\b(?:class|struct|enum class)\s+(?:TAVURO_EXPORT\s+)?(\w+)\s*[:{]", cxx))
-    public |= set(re.findall(r"TAVURO_EXPORT\s+[\w:<>,\s&*]+?\b(\w+)\s*\(", cxx))
-    public |= set(re.findall(r"\bconstexpr\s+[\w:]+\s+(\w+)\s*\(", cxx))
-    public |= set(re.findall(r"inline\s+constexpr\s+[\w\s]+?\b(\w+)\s*\[", cxx))
-    public -= {"detail", "platform"}
+    public = {name for pattern in (r"\b(?:class|struct|enum class)\s+(?:TAVURO_EXPORT\s+)?(\w+)\s*[:{]",
+                                   r"TAVURO_EXPORT\s+[\w:<>,\s&*]+?\b(\w+)\s*\(",
+                                   r"\bconstexpr\s+[\w:]+\s+(\w+)\s*\(",
+                                   r"inline\s+constexpr\s+[\w\s]+?\b(\w+)\s*\[")
+              for name in re.findall(pattern, cxx)} - {"detail", "platform"}
     polymorphic = {name for name, body in
                    re.findall(r"\bclass\s+TAVURO_EXPORT\s+(\w+)[^;{]*\{(.*?)\n\};", cxx, re.S)
                    if re.search(r"\b(?:virtual|override)\b", body)}

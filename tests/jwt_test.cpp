@@ -78,7 +78,6 @@ TEST(TavuroJwtToken, IsInvalidFromTheInstantOfExpiry) {
 
 TEST(TavuroJwtParserDeathTest, TokenWithoutDotEndsTheProcess) {
   const TavuroJwtParser parser;
-  EXPECT_DEATH((void)parser.decode("abc"), "no \"\\.\"");
   EXPECT_DEATH((void)parser.decode(""), "no \"\\.\"");
   EXPECT_DEATH((void)parser.parseToken(segment(R"({"exp":1})")), "no \"\\.\"");
 }
