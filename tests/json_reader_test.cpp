@@ -142,6 +142,7 @@ TEST(JsonReader, StringEscapesAndUnicode) {
   expectAccepted({
       {R"(["\"\\\/\b\f\n\r\t"])", "[\"\"\\/\b\f\n\r\t\"]"},
       {R"(["a\u0000b"])", std::string("[\"a\0b\"]", 7)},
+      {R"(["\tabc\tab\ta\t12345\t123456789"])", "[\"\tabc\tab\ta\t12345\t123456789\"]"},
       {R"(["\u00e9\u20AC\ud83d\ude00"])", "[\"" + utf8 + "\"]"},
       {"[\"" + utf8 + "\xEF\xBF\xBF\"]", "[\"" + utf8 + "\xEF\xBF\xBF\"]"},
       {"[\"" + std::string(100, 'x') + "\\n" + std::string(40, 'y') + "\"]", "[\"" + runs + "\"]"},
