@@ -7,33 +7,23 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "common/CredentialStore.h"
 
-namespace {
-
-std::optional<std::string> field(const std::vector<std::string_view>& parts, std::size_t i) {
-  if (i >= parts.size() || (!parts[i].empty() && parts[i][0] == '\xFE')) return std::nullopt;
-  return std::string(parts[i]);
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::vector<std::string_view> parts;
   std::string_view rest(reinterpret_cast<const char*>(data), size);
-  for (std::size_t cut; (cut = rest.find('\xFF')) != std::string_view::npos;) {
-    parts.push_back(rest.substr(0, cut));
-    rest.remove_prefix(cut + 1);
+  std::optional<std::string> texts[6];  // absent when the input runs out before
+  for (std::size_t i = 0, cut = 0; i < 6 && cut != std::string_view::npos; ++i) {
+    cut = rest.find('\xFF');
+    const std::string_view part = rest.substr(0, cut);
+    if (part.empty() || part[0] != '\xFE') texts[i] = std::string(part);
+    rest.remove_prefix(cut == std::string_view::npos ? rest.size() : cut + 1);
   }
-  parts.push_back(rest);
-
-  tavuro::detail::CredentialFields saved{field(parts, 0), field(parts, 1), field(parts, 2),
+  tavuro::detail::CredentialFields saved{texts[0], texts[1], texts[2],
                                          tavuro::Endpoints::newInstance()};
-  saved.endpoints->setFrmEndpoint(field(parts, 3));
-  saved.endpoints->setIdEndpoint(field(parts, 4));
-  saved.endpoints->setHealthInsuranceEndpoint(field(parts, 5));
+  saved.endpoints->setFrmEndpoint(texts[3]);
+  saved.endpoints->setIdEndpoint(texts[4]);
+  saved.endpoints->setHealthInsuranceEndpoint(texts[5]);
 
   const std::optional<std::string> file = tavuro::detail::credentialFileBytes(saved);
   if (!file) return 0;  // the save fails and the old file stays

@@ -1,6 +1,6 @@
 # The C interface: a shared build of the library (what hosts in other
-# languages load), a C program that walks every handle through its life, a
-# Python ctypes host, checks of the shared library's symbol table, and the
+# languages load), a C program that walks every handle through its life,
+# checks of the shared library's symbol table, and the
 # check that everything written from interface/TavuroCommon.json is current.
 
 if(BUILD_SHARED_LIBS)
@@ -47,25 +47,3 @@ add_test(NAME tavuro_c_interface_exports
           "${PROJECT_SOURCE_DIR}/common/include/TavuroCommon/TavuroCommon.h"
           "${PROJECT_SOURCE_DIR}/common/include/TavuroCommon/TavuroCommon_c.h"
           "$<TARGET_FILE:${TAVURO_SHARED_LIBRARY_TARGET}>" "${CMAKE_NM}")
-
-# The Python host loads the library into the interpreter, so it needs a
-# library of the build machine. A sanitized library needs its runtime loaded
-# first; ThreadSanitizer's cannot be loaded that way.
-if(CMAKE_CROSSCOMPILING)
-  return()
-endif()
-string(FIND "${CMAKE_CXX_FLAGS}" "-fsanitize=thread" TAVURO_TSAN_AT)
-string(FIND "${CMAKE_CXX_FLAGS}" "-fsanitize=address" TAVURO_ASAN_AT)
-if(TAVURO_TSAN_AT EQUAL -1)
-  set(TAVURO_PYTHON_HOST_ENV "")
-  if(NOT TAVURO_ASAN_AT EQUAL -1)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
-      OUTPUT_VARIABLE TAVURO_LIBASAN OUTPUT_STRIP_TRAILING_WHITESPACE)
-    # The interpreter's own allocations are not ours to check.
-    set(TAVURO_PYTHON_HOST_ENV "LD_PRELOAD=${TAVURO_LIBASAN};ASAN_OPTIONS=detect_leaks=0")
-  endif()
-  add_test(NAME tavuro_python_ctypes_host
-    COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/python_ctypes_host.py"
-            "$<TARGET_FILE:${TAVURO_SHARED_LIBRARY_TARGET}>")
-  set_tests_properties(tavuro_python_ctypes_host PROPERTIES ENVIRONMENT "${TAVURO_PYTHON_HOST_ENV}")
-endif()

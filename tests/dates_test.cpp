@@ -3,40 +3,35 @@
 #include <string>
 #include <utility>
 
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "TavuroCommon/TavuroCommon.h"
+#include "platform/Base64.h"
 #include "platform/DateFormat.h"
 
 namespace {
 
 using tavuro::Utils;
+using tavuro::platform::base64DecodeLenient;
+using tavuro::platform::base64Encode;
 
 TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
+  // The fuzz target's model judges many more (its corpus); these pin dates.
   // An empty expectation means "the argument comes back unchanged".
   const std::pair<const char*, const char*> cases[] = {
       {"/Date(1234567890000)/", "02-13-2009"},
       {"/Date(1609459199999)/", "12-31-2020"},  // 999 ms never carry over
       {"/Date(-999)/", "01-01-1970"},           // toward zero, not down
       {"-1500", "12-31-1969"},
-      {"+5000", "01-01-1970"},
       {"DateDate(5000)", "01-01-1970"},
-      {"(/-)/86400000", "12-31-1969"},  // markers anywhere, sign still leads
       {"12/25/2020", "01-01-1970"},
-      {"0009223372036854775807", "12-20-5828963"},  // int64 max, pinned
-      {"-9223372036854775808", "09-20-5838270"},    // int64 min, pinned
+      {"9223372036854775807", "12-20-5828963"},   // int64 max, pinned
+      {"-9223372036854775808", "09-20-5838270"},  // int64 min, pinned
       {"/Date(1234567890000-0500)/", ""},
-      {"/Date()/", ""},
-      {"", ""},
-      {"/Date( 123)/", ""},
-      {"/date(5000)/", ""},  // the word is matched case-sensitively
-      {"DaDatete(5)", ""},   // the word's removal does not run again...
-      {"Da/te(5)", ""},      // ...nor after the markers' removal
-      {"-", ""},
-      {"+-5", ""},
-      {"5-", ""},
+      {"DaDatete(5)", ""},  // the word's removal does not run again
       {"9223372036854775808", ""},
-      {"-9223372036854775809", ""},
   };
   for (const auto& [field, expected] : cases) {
     EXPECT_EQ(Utils::dateFieldToDateString(std::string(field)), *expected ? expected : field)
@@ -45,7 +40,8 @@ TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
 }
 
 TEST(UtilsDeathTest, DateFieldToDateStringStopsOnAnAbsentArgument) {
-  EXPECT_DEATH((void)Utils::dateFieldToDateString(std::nullopt), "dateFieldToDateString");
+  EXPECT_EXIT((void)Utils::dateFieldToDateString(std::nullopt), testing::KilledBySignal(SIGABRT),
+              "dateFieldToDateString");
 }
 
 TEST(DateFormat, FollowsTheCalendarEdges) {
@@ -63,6 +59,49 @@ TEST(DateFormat, FollowsTheCalendarEdges) {
   };
   for (const auto& [seconds, expected] : cases) {
     EXPECT_EQ(tavuro::platform::formatDateMMddyyyyGMT(seconds), expected) << seconds;
+  }
+}
+
+TEST(Base64, EncodesWithPadding) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"", ""},
+      {"f", "Zg=="},
+      {"fo", "Zm8="},
+      {"\xfb\xff\xbf", "+/+/"},
+  };
+  for (const auto& [bytes, text] : cases) EXPECT_EQ(base64Encode(bytes), text) << text;
+}
+
+TEST(Base64, DecodesLeniently) {
+  const struct {
+    const char* text;
+    std::optional<std::string> bytes;
+  } cases[] = {
+      {"Zm9vYmE", "fooba"},  // padding is optional
+      {"AAAAA", std::nullopt},
+      {"AA==AAAA", std::string(1, '\0')},  // nothing after the first "=" counts
+      {"Zh==", "f"},                       // leftover bits of the last character are ignored
+      {"Z m\n9\tv!\xc3\xa9-_", "foo"},     // base64url's "-" and "_" are skipped too
+  };
+  for (const auto& c : cases) {
+    const auto decoded = base64DecodeLenient(c.text);
+    ASSERT_EQ(decoded.has_value(), c.bytes.has_value()) << c.text;
+    if (decoded) {
+      EXPECT_EQ(std::string(decoded->begin(), decoded->end()), *c.bytes) << c.text;
+    }
+  }
+}
+
+TEST(Base64, DecodesLongTextWithSkippedCharactersAnywhere) {
+  // Long enough for the group-at-a-time path, with a skipped character at
+  // every offset so that groups straddle it.
+  std::string bytes;
+  for (int i = 0; i < 300; ++i) bytes.push_back(static_cast<char>(i * 37));
+  const std::string text = base64Encode(bytes);
+  for (std::size_t at = 0; at <= text.size(); ++at) {
+    const auto decoded = base64DecodeLenient(text.substr(0, at) + "\r\n" + text.substr(at));
+    ASSERT_TRUE(decoded) << at;
+    EXPECT_EQ(std::string(decoded->begin(), decoded->end()), bytes) << at;
   }
 }
 

@@ -1,5 +1,5 @@
 # The JSON reader, the JSON value types and Utils' JSON operations.
-tavuro_add_test(tavuro_json_test SOURCES json_reader_test.cpp json_utils_test.cpp)
+tavuro_add_test(tavuro_json_test SOURCES json_reader_test.cpp)
 
 # Differential test: generated documents and their mutations, read by ours
 # and by RapidJSON (full precision).

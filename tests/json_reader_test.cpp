@@ -1,8 +1,11 @@
 // The reader's rules, one table per rule: texts that must parse with the
-// value they give, texts that must fail, and where a failure is reported.
+// value they give, texts that must fail, and where a failure is reported;
+// then Utils' JSON operations on what it reads.
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <mutex>
 #include <optional>
@@ -14,55 +17,21 @@
 #include <vector>
 
 #include "common/JsonAccess.h"
+#include "json_describe.h"
 #include "platform/Json.h"
 
 namespace tavuro {
 namespace {
 
-// null, true, false, i<int64>, u<uint64>, d<%.17g>, "text" (the bytes as
-// stored), [a,b], {key:value,...} in stored order.
-std::string describe(const JsonValue& value) {
-  char buffer[40];
-  switch (value.kind()) {
-    case JsonValue::Kind::Null: return "null";
-    case JsonValue::Kind::Boolean: return *value.boolValue() ? "true" : "false";
-    case JsonValue::Kind::Number:
-      switch (*value.numberKind()) {
-        case JsonValue::NumberKind::Int64: return "i" + std::to_string(*value.int64Value());
-        case JsonValue::NumberKind::UInt64: return "u" + std::to_string(*value.uint64Value());
-        case JsonValue::NumberKind::Double: break;
-      }
-      std::snprintf(buffer, sizeof buffer, "d%.17g", *value.doubleValue());
-      return buffer;
-    case JsonValue::Kind::String: return "\"" + std::string(*value.stringValue()) + "\"";
-    case JsonValue::Kind::Array: {
-      const JsonArray array = *value.arrayValue();
-      std::string out = "[";
-      for (std::size_t i = 0; i < array.size(); ++i) out += (i ? "," : "") + describe(array[i]);
-      return out + "]";
-    }
-    case JsonValue::Kind::Object: {
-      const JsonDictionary object = *value.dictionaryValue();
-      std::string out = "{";
-      for (std::size_t i = 0; i < object.size(); ++i) {
-        out += (i ? "," : "") + std::string(object.keyAt(i)) + ":" + describe(object.valueAt(i));
-      }
-      return out + "}";
-    }
-  }
-  return "?";
-}
+using test::describe;
 
-struct Accepts {
-  std::string text;
-  std::string value;
-};
-
+// Each text with the value it must read to (see describe()).
+using Accepts = std::pair<std::string, std::string>;
 void expectAccepted(const std::vector<Accepts>& rows) {
-  for (const Accepts& row : rows) {
-    const detail::JsonReadResult result = detail::readJson(row.text);
-    ASSERT_TRUE(result.value) << row.text << " -> " << result.errorDescription;
-    EXPECT_EQ(describe(*result.value), row.value) << row.text;
+  for (const auto& [text, value] : rows) {
+    const detail::JsonReadResult result = detail::readJson(text);
+    ASSERT_TRUE(result.value) << text << " -> " << result.errorDescription;
+    EXPECT_EQ(describe(*result.value), value) << text;
     EXPECT_TRUE(result.errorDescription.empty());
   }
 }
@@ -91,7 +60,7 @@ std::string encode(std::basic_string_view<Char> units, bool bigEndian, bool byte
 
 std::string repeat(const std::string& piece, int times) {
   std::string text;
-  for (int i = 0; i < times; ++i) text += piece;
+  while (times-- > 0) text += piece;
   return text;
 }
 
@@ -116,6 +85,7 @@ TEST(JsonReader, DetectsEncodings) {
       encode(std::u16string_view(u"[\"\xD800\"]"), false, true),  // unpaired surrogate
       encode(std::u16string_view(u"[1]"), true, false) + "x",     // odd length
       encode(std::u32string_view(U"[\x110000]"), false, true),    // beyond Unicode
+      encode(std::u32string_view(U"[\"\xDC00\"]"), true, false),  // a surrogate
       "\xEF\xBB\xBF\xEF\xBB\xBF[]",                               // a second mark is text
   });
 }
@@ -172,6 +142,7 @@ TEST(JsonReader, StringEscapesAndUnicode) {
   expectAccepted({
       {R"(["\"\\\/\b\f\n\r\t"])", "[\"\"\\/\b\f\n\r\t\"]"},
       {R"(["a\u0000b"])", std::string("[\"a\0b\"]", 7)},
+      {R"(["\tabc\tab\ta\t12345\t123456789"])", "[\"\tabc\tab\ta\t12345\t123456789\"]"},
       {R"(["\u00e9\u20AC\ud83d\ude00"])", "[\"" + utf8 + "\"]"},
       {"[\"" + utf8 + "\xEF\xBF\xBF\"]", "[\"" + utf8 + "\xEF\xBF\xBF\"]"},
       {"[\"" + std::string(100, 'x') + "\\n" + std::string(40, 'y') + "\"]", "[\"" + runs + "\"]"},
@@ -182,8 +153,8 @@ TEST(JsonReader, StringEscapesAndUnicode) {
       "\x01",         "a\nb",         "\x1F",    "\t",      "\\x",      "\\U0041",
       "\\u12",        "\\u12G4",      "\\ud800", "\\udc00", "\\ud800x", "\xC0\x80",
       "\xE0\x80\x80", "\xED\xA0\x80", "\xC3",    "\x80",    "\xE2\x82", "\xFF"};
-  strings.insert(strings.end(),
-                 {"\\udc00\\ud800", "\\ud800\\u0041", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80"});
+  strings.insert(strings.end(), {"\\udc00\\ud800", "\\ud800\\u0041", "\xF4\x90\x80\x80",
+                                 "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80"});
   for (std::string& text : strings) text = "[\"" + text + "\"]";
   strings.push_back(std::string("[\"\0\"]", 5));
   strings.push_back("[\"abc");
@@ -244,18 +215,17 @@ TEST(JsonReader, ValuesOwnTheirTextAndStayInRange) {
 }
 
 // Documents large enough to recycle arena chunks are parsed on several
-// threads at once (meaningful under ThreadSanitizer). Each thread hands one
-// element of its document to another thread and drops the rest: that element
-// alone must keep its document alive, while other parses reuse freed chunks,
-// until the receiver has read it and freed the document.
+// threads at once (meaningful under ThreadSanitizer). Each thread hands the
+// last element of its document to the next thread and drops the rest: that
+// element alone must keep its document alive while other parses reuse freed
+// chunks, until the receiver has read it.
 TEST(JsonReader, DocumentsCrossThreadsAndStayAliveThroughAnyValue) {
-  constexpr int kThreads = 4;
-  constexpr int kElements = 20000;
+  constexpr int kThreads = 4, kElements = 20000;
   const auto v = [](const JsonValue& element) {
     return element.dictionaryValue()->find("v")->int64Value().value_or(-1);
   };
   std::mutex mutex;
-  std::optional<std::pair<int, JsonValue>> handedOver;  // origin thread, last element
+  std::optional<std::pair<int, JsonValue>> handedOver;  // origin thread, its last element
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {
@@ -282,6 +252,100 @@ TEST(JsonReader, DocumentsCrossThreadsAndStayAliveThroughAnyValue) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
+}
+
+// Utils' typed getters: strict kinds and exact numbers.
+struct Row {
+  const char* key;
+  const char* json;  // the stored value; nullptr: the key is missing
+  std::int64_t asInt;
+  double asDouble;
+  const char* asString;
+  bool asBool, isObject, isArray;
+};
+
+// Every getter on every kind of stored value.
+const std::vector<Row> kRows{
+    {"missing", nullptr, 0, 0.0, "", false, false, false},
+    {"null", "null", 0, 0.0, "", false, false, false},
+    {"text12", "\"12\"", 0, 0.0, "12", false, false, false},
+    {"textTrue", "\"true\"", 0, 0.0, "true", false, false, false},
+    {"fraction", "12.5", 0, 12.5, "", false, false, false},
+    {"wholeDouble", "12.0", 12, 12.0, "", false, false, false},
+    {"negativeZero", "-0.0", 0, -0.0, "", false, false, false},
+    {"tooBigForInt", "1e19", 0, 1e19, "", false, false, false},
+    {"int64Min", "-9223372036854775808", INT64_MIN, -9223372036854775808.0, "", false, false,
+     false},
+    {"int64Max", "9223372036854775807", INT64_MAX, 0.0, "", false, false, false},
+    {"uint64Max", "18446744073709551615", 0, 0.0, "", false, false, false},
+    {"twoTo53Plus1", "9007199254740993", 9007199254740993, 0.0, "", false, false, false},
+    {"twoTo53", "9007199254740992", 9007199254740992, 9007199254740992.0, "", false, false, false},
+    {"true", "true", 0, 0.0, "", true, false, false},
+    {"one", "1", 1, 1.0, "", false, false, false},
+    {"object", "{\"k\":1}", 0, 0.0, "", false, true, false},
+    {"array", "[1,\"x\"]", 0, 0.0, "", false, false, true},
+    {"Name", "\"upper\"", 0, 0.0, "upper", false, false, false},
+    {"name", nullptr, 0, 0.0, "", false, false, false},  // keys are case-sensitive
+};
+
+void expectRow(const std::optional<JsonDictionary>& dictionary, const Row& row,
+               const std::string& context) {
+  SCOPED_TRACE(context + " key " + row.key);
+  const std::string key = row.key;
+  EXPECT_EQ(Utils::getIntValue(dictionary, key), row.asInt);
+  const double number = Utils::getDoubleValue(dictionary, key);
+  EXPECT_EQ(number, row.asDouble);
+  EXPECT_EQ(std::signbit(number), std::signbit(row.asDouble));
+  EXPECT_EQ(Utils::getStringValue(dictionary, key), row.asString);
+  EXPECT_EQ(Utils::getBooleanValue(dictionary, key), row.asBool);
+  const std::optional<JsonDictionary> object = Utils::getObjectValue(dictionary, key);
+  ASSERT_EQ(object.has_value(), row.isObject);
+  EXPECT_EQ(Utils::getIntValue(object, "k"), row.isObject ? 1 : 0);
+  for (const auto& array :
+       {Utils::getArrayValue(dictionary, key), Utils::getArrayValueFromJson(dictionary, key)}) {
+    EXPECT_EQ(array.has_value(), row.isArray);
+    EXPECT_EQ(array && (*array)[1].stringValue() == "x", row.isArray);  // elements unconverted
+  }
+}
+
+TEST(UtilsGetters, ConvertOnlyTheirOwnKindAndExactNumbers) {
+  // Each value alone in a small dictionary, then all together with padding
+  // so that the lookup goes through the hash index.
+  std::string all = "{";
+  for (const Row& row : kRows) {
+    if (row.json == nullptr) continue;
+    expectRow(Utils::convertToDictionary("{\"" + std::string(row.key) + "\":" + row.json + "}"),
+              row, "alone");
+    all += "\"" + std::string(row.key) + "\":" + row.json + ",";
+  }
+  for (int i = 0; i < 40; ++i) all += "\"pad" + std::to_string(i) + "\":" + std::to_string(i) + ",";
+  all.back() = '}';
+  const std::optional<JsonDictionary> dictionary = Utils::convertToDictionary(all);
+  ASSERT_TRUE(dictionary);
+  for (const Row& row : kRows) expectRow(dictionary, row, "together");
+  expectRow(std::nullopt, kRows[0], "absent");
+  expectRow(JsonDictionary(), kRows[0], "empty");
+}
+
+TEST(UtilsConvertToDictionary, PrintsOneLineOnlyForUnreadableText) {
+  const struct {
+    std::optional<std::string> text;
+    bool gives, printsLine;  // a dictionary comes back; one line on standard output
+  } cases[] = {{"{}", true, false},          {"{\"a\":[1]}", true, false}, {"[1,2]", false, false},
+               {std::nullopt, false, false}, {"5", false, true},           {"", false, true},
+               {"{", false, true},           {"{\"a\":1,}", false, true}};
+  for (const auto& c : cases) {
+    ::testing::internal::CaptureStdout();
+    const std::optional<JsonDictionary> result = Utils::convertToDictionary(c.text);
+    std::fflush(stdout);
+    const std::string printed = ::testing::internal::GetCapturedStdout();
+    SCOPED_TRACE(c.text.value_or("(absent)") + " printed " + printed);
+    EXPECT_EQ(result.has_value(), c.gives);
+    EXPECT_EQ(result && result->empty(), c.text == "{}");
+    EXPECT_EQ(printed.find('\n'), c.printsLine ? printed.size() - 1 : std::string::npos);
+    EXPECT_EQ(printed.find("line 1, column") != std::string::npos, c.printsLine);
+    EXPECT_EQ(printed.empty(), !c.printsLine);
+  }
 }
 
 }  // namespace

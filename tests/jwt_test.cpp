@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "TavuroCommon/TavuroCommon.h"
@@ -22,12 +24,9 @@ std::string token(const std::string& payloadJson) {
 const auto at = [](double s) { return tavuro::Instant(std::chrono::duration<double>(s)); };
 
 TEST(TavuroJwtParser, Base64UrlDecodeMapsTheAlphabetAndSkipsStrangers) {
+  // "-" and "_" are "+" and "/"; a lone last character decodes to nothing.
   const std::pair<const char*, std::optional<std::string>> cases[] = {
-      {"eyJhIjoxfQ", R"({"a":1})"},
-      {"-_-_", std::string("\xfb\xff\xbf")},  // "-" and "_" are "+" and "/"
-      {"Y W!I", "ab"},
-      {"YWJjZ", std::nullopt},  // a lone last character
-  };
+      {"eyJhIjoxfQ", R"({"a":1})"}, {"-_-_", "\xfb\xff\xbf"}, {"Y W!I", "ab"}, {"YWJjZ", {}}};
   for (const auto& [text, expected] : cases) {
     const auto bytes = TavuroJwtParser().base64UrlDecode(text);
     EXPECT_EQ(bytes ? std::optional<std::string>(std::string(bytes->begin(), bytes->end()))
@@ -37,22 +36,12 @@ TEST(TavuroJwtParser, Base64UrlDecodeMapsTheAlphabetAndSkipsStrangers) {
   }
 }
 
-TEST(TavuroJwtParser, DecodeReadsOnlyTheSecondSegmentAsAnObject) {
-  const std::string a = segment(R"({"from":"a"})");
-  const std::string b = segment(R"({"from":"b"})");
-  // Empty segments count: in "a..b" the second one is empty.
-  const std::pair<std::string, std::optional<std::string>> cases[] = {
-      {a + "." + b + "." + a + "." + a, "b"}, {"." + b, "b"},
-      {a + ".." + b, std::nullopt},           {"x.", std::nullopt},
-      {"header.!!!!.sig", std::nullopt},      {token("[1,2]"), std::nullopt},
-  };
+// Which segment decode reads is the token fuzz target's check (its corpus
+// holds empty and surplus segments); here, that only an object counts.
+TEST(TavuroJwtParser, DecodeTakesOnlyAnObject) {
   const TavuroJwtParser parser;
-  for (const auto& [text, from] : cases) {
-    const tavuro::JsonDictionary claims = parser.decode(text);
-    const auto value = claims.find("from");
-    EXPECT_EQ(value ? value->stringValue() : std::nullopt, from) << text;
-    EXPECT_EQ(claims.size(), from ? 1u : 0u) << text;
-  }
+  EXPECT_EQ(parser.decode(token(R"({"k":true})")).size(), 1U);
+  EXPECT_EQ(parser.decode(token("[1,2]")).size(), 0U);
   EXPECT_TRUE(parser.decodeJWTPart(segment(R"({"k":true})")).has_value());
   EXPECT_FALSE(parser.decodeJWTPart(segment("[1]")).has_value());
 }
@@ -74,10 +63,10 @@ TEST(TavuroJwtParser, ParseTokenTakesOnlyAWholeInt64Exp) {
   for (const auto& [payload, expiration] : cases) {
     const std::string text = token(payload);
     const auto parsed = TavuroJwtParser().parseToken(text);
-    ASSERT_EQ(parsed != nullptr, expiration.has_value()) << payload;
-    if (!parsed) continue;
-    EXPECT_EQ(parsed->value(), text);
-    EXPECT_EQ(parsed->expiration(), at(*expiration)) << payload;
+    EXPECT_EQ(parsed ? std::optional(parsed->expiration()) : std::nullopt,
+              expiration ? std::optional(at(*expiration)) : std::nullopt)
+        << payload;
+    EXPECT_EQ(parsed ? parsed->value() : text, text);
   }
 }
 
@@ -91,9 +80,10 @@ TEST(TavuroJwtToken, IsInvalidFromTheInstantOfExpiry) {
 
 TEST(TavuroJwtParserDeathTest, TokenWithoutDotEndsTheProcess) {
   const TavuroJwtParser parser;
-  EXPECT_DEATH((void)parser.decode("abc"), "no \"\\.\"");
-  EXPECT_DEATH((void)parser.decode(""), "no \"\\.\"");
-  EXPECT_DEATH((void)parser.parseToken(segment(R"({"exp":1})")), "no \"\\.\"");
+  EXPECT_EXIT((void)parser.decode("abc"), testing::KilledBySignal(SIGABRT), "no \"\\.\"");
+  EXPECT_EXIT((void)parser.decode(""), testing::KilledBySignal(SIGABRT), "no \"\\.\"");
+  EXPECT_EXIT((void)parser.parseToken(segment(R"({"exp":1})")), testing::KilledBySignal(SIGABRT),
+              "no \"\\.\"");
 }
 
 }  // namespace

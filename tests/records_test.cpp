@@ -1,4 +1,6 @@
-#include <cmath>
+#include <cstdint>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -7,111 +9,120 @@
 
 namespace {
 
-using tavuro::ByteBuffer;
-using tavuro::Image;
-using tavuro::Picture;
+using tavuro::DocumentProcessingMode;
 using tavuro::PixelFormat;
-using tavuro::Point;
-using tavuro::TavuroError;
-
-TEST(TavuroError, FactoryAndConstructorsKeepAbsentAndEmptyApart) {
-  const TavuroError plain;
-  const auto made = TavuroError::newInstance();
-  for (const TavuroError* e : {&plain, static_cast<const TavuroError*>(made.get())}) {
-    EXPECT_EQ(e->errorCode(), 0);
-    EXPECT_FALSE(e->errorDescription().has_value());
-  }
-
-  const TavuroError noText(-5, std::nullopt);
-  EXPECT_EQ(noText.errorCode(), -5);
-  EXPECT_FALSE(noText.errorDescription().has_value());
-
-  TavuroError e(tavuro::TavuroErrorCodes::ERROR_Network,
-                tavuro::TavuroErrorDescriptions::ERROR_DESC_Network);
-  EXPECT_EQ(e.errorDescription(), std::optional<std::string>("Network problem"));
-  e.setErrorDescription(std::string());
-  ASSERT_TRUE(e.errorDescription().has_value());
-  EXPECT_EQ(*e.errorDescription(), "");
-  e.setErrorDescription(std::nullopt);
-  EXPECT_FALSE(e.errorDescription().has_value());
-  e.setErrorCode(42);  // codes are never checked against the table
-  EXPECT_EQ(e.errorCode(), 42);
-}
-
-TEST(TavuroErrorCodes, CanBeSwitchedOn) {
-  // The codes must be usable as case labels; this is what hosts do.
-  auto name = [](std::int64_t code) {
-    switch (code) {
-      case tavuro::TavuroErrorCodes::ERROR_InvalidCredentials: return "credentials";
-      case tavuro::TavuroErrorCodes::ERROR_INVALID_PARAMETER: return "parameter";
-      default: return "other";
-    }
-  };
-  EXPECT_STREQ(name(-1), "credentials");
-  EXPECT_STREQ(name(-29), "parameter");
-  EXPECT_STREQ(name(0), "other");
-}
-
-void expectDefaultsApartFromPictureAndData(const Image& image) {
-  EXPECT_EQ(image.dpi(), 0);
-  EXPECT_EQ(image.error(), nullptr);
-  EXPECT_FALSE(image.isCorrectAspectRatio());
-  EXPECT_EQ(image.aspectRatio(), 0.0F);
-  EXPECT_TRUE(image.points().empty());
-  EXPECT_FALSE(image.isPassport());
-}
-
-TEST(Image, FactoriesGiveDefaults) {
-  const Image plain;
-  const auto made = Image::newInstance();
-  for (const Image* image : {&plain, static_cast<const Image*>(made.get())}) {
-    EXPECT_EQ(image->image(), nullptr);
-    EXPECT_EQ(image->data(), nullptr);
-    expectDefaultsApartFromPictureAndData(*image);
-  }
-
-  auto picture = Picture::make(1, 1, PixelFormat::Gray8, {7});
-  ASSERT_NE(picture, nullptr);
-  const auto withPicture = Image::newInstance(picture, nullptr);
-  EXPECT_EQ(withPicture->image(), picture);
-  EXPECT_EQ(withPicture->data(), nullptr);
-  expectDefaultsApartFromPictureAndData(*withPicture);
-}
-
-TEST(Image, SharesItsBufferAndKeepsPointOrder) {
-  auto buffer = ByteBuffer::newInstance();
-  auto image = Image::newInstance(std::make_shared<Picture>(), buffer);
-  buffer->append("\xFF\xD8", 2);
-  ASSERT_EQ(image->data()->size(), 2U);
-  EXPECT_EQ(image->data()->data()[1], 0xD8);
-
-  const std::vector<Point> points{{3, 4}, {1, 2}, {-0.5, 1e9}};
-  image->setPoints(points);
-  EXPECT_EQ(image->points(), points);
-  image->setPoints({});
-  EXPECT_TRUE(image->points().empty());
-}
+using tavuro::ProcessingMode;
+using tavuro::Utils;
 
 TEST(Picture, AcceptsOnlyMatchingPixelBytes) {
-  struct Case {
+  const struct {
     std::uint32_t width, height;
     PixelFormat format;
     std::size_t bytes;
     bool accepted;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {2, 3, PixelFormat::RGB8, 18, true},
       {2, 3, PixelFormat::RGB8, 17, false},
       {2, 3, PixelFormat::BGRA8, 24, true},
       {0, 5, PixelFormat::Gray8, 0, true},
-      {0xFFFFFFFF, 0xFFFFFFFF, PixelFormat::RGBA8, 4, false},  // size overflows 32 bits
+      {0xFFFFFFFF, 0xFFFFFFFF, PixelFormat::RGBA8, 4, false},  // the size wraps around
   };
-  for (const Case& c : cases) {
-    auto picture = Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
+  for (const auto& c : cases) {
+    auto picture =
+        tavuro::Picture::make(c.width, c.height, c.format, std::vector<std::uint8_t>(c.bytes));
     EXPECT_EQ(picture != nullptr, c.accepted) << c.width << "x" << c.height;
     if (picture) {
       EXPECT_EQ(picture->bytesPerRow() * picture->height(), c.bytes);
     }
+  }
+}
+
+TEST(RawValues, OnlyEnumeratedValuesConvertBack) {
+  const struct {
+    std::int64_t raw;
+    bool mode, deleteType;
+  } cases[] = {{INT64_MIN, false, false}, {-1, false, false}, {0, true, true},
+               {1, true, true},           {2, true, false},   {3, false, false},
+               {INT64_MAX, false, false}};
+  for (const auto& c : cases) {
+    const auto mode = tavuro::processingModeWithRawValue(c.raw);
+    const auto type = tavuro::deleteTypeWithRawValue(c.raw);
+    EXPECT_EQ(mode.has_value(), c.mode) << c.raw;
+    EXPECT_EQ(type.has_value(), c.deleteType) << c.raw;
+    EXPECT_EQ(mode ? tavuro::rawValue(*mode) : c.raw, c.raw);
+    EXPECT_EQ(type ? tavuro::rawValue(*type) : c.raw, c.raw);
+  }
+}
+
+// Started from many threads at once, the mode is made once (had two been
+// made, one would still read Standard); racing readers of the settings see
+// a whole old or new value, never a torn one. The process is this test's
+// alone, so the mode and the settings start fresh.
+TEST(Utils, ModeAndSettingsSurviveRacingThreads) {
+  EXPECT_EQ(Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION(), 0.9);
+  EXPECT_EQ(Utils::SDK_VERSION_CODE(), "11.4.10");
+  const std::string longVersion(200, '9');
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([t] {
+      if (t % 2 == 0) DocumentProcessingMode::setDataCaptureProcessingMode();
+      EXPECT_TRUE(t % 2 || DocumentProcessingMode::processingMode() == ProcessingMode::DataCapture);
+    });
+  }
+  threads.emplace_back([&] {
+    for (int i = 0; i < 2000; ++i) {
+      Utils::setSDK_VERSION_CODE(i % 2 ? longVersion : "1.0.0");
+      Utils::setSENT_IMAGE_QUALITY_JPEG_COMPRESSION(i % 2 ? 0.25 : 0.75);
+    }
+  });
+  for (int i = 0; i < 2000; ++i) {
+    const std::string v = Utils::SDK_VERSION_CODE();
+    EXPECT_TRUE(v == longVersion || v == "1.0.0" || v == "11.4.10") << v;
+    const double q = Utils::SENT_IMAGE_QUALITY_JPEG_COMPRESSION();
+    EXPECT_TRUE(q == 0.25 || q == 0.75 || q == 0.9) << q;
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(DocumentProcessingMode::processingMode(), ProcessingMode::DataCapture);
+}
+
+using Packages = std::vector<std::shared_ptr<tavuro::ITavuroPackage>>;
+using Log = std::vector<std::string>;
+
+// Logs its start; a meddler also empties or grows the host's own list then.
+class Package : public tavuro::ITavuroPackage {
+ public:
+  Package(Log& log, std::string name, Packages* list = nullptr, bool clear = false)
+      : log_(log), name_(std::move(name)), list_(list), clear_(clear) {}
+  void initialize() override {
+    log_.push_back(name_);
+    if (list_ && clear_) list_->clear();
+    for (int i = 0; list_ && !clear_ && i < 100; ++i) list_->push_back(list_->front());
+  }
+
+ private:
+  Log& log_;
+  std::string name_;
+  Packages* list_;
+  bool clear_;
+};
+
+// The order, duplicates and the callback are the C interface test's; here,
+// what the initializer holds and what a package may do to the host's list.
+TEST(TavuroInitializer, StartsTheListAsPassedWhateverAPackageDoesToItThenLetsGo) {
+  for (const bool clear : {false, true}) {
+    Log log;
+    Packages list;
+    list.push_back(std::make_shared<Package>(log, "meddler", &list, clear));
+    list.push_back(std::make_shared<Package>(log, "b"));
+    const std::weak_ptr<tavuro::ITavuroPackage> first = list.front(), last = list.back();
+    tavuro::TavuroInitializer().initialize(list, [&](auto error) {
+      EXPECT_EQ(error, nullptr);
+      EXPECT_FALSE(last.expired());  // alive until the initializer is done with it
+      log.push_back("callback");
+    });
+    EXPECT_EQ(log, (Log{"meddler", "b", "callback"}));
+    list.clear();
+    EXPECT_TRUE(first.expired() && last.expired());
   }
 }
 
