@@ -12,8 +12,11 @@
 namespace {
 
 // The lenient rule spelled out one character at a time: alphabet
-// characters before the first "=" count, others are skipped; a remainder of
-// one character makes the text undecodable, other leftover bits are dropped.
+// characters before the first "=" are the data, others are skipped; a last
+// group of one character, of two without "==" or of three without "=" is
+// undecodable, as is data after the "=" of whole groups or a "=" with no
+// data before it; a text with neither data nor "=" decodes only when its
+// length is a multiple of four. Leftover bits are dropped.
 std::optional<std::vector<std::uint8_t>> referenceDecode(std::string_view text) {
   static constexpr std::string_view kAlphabet =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -21,9 +24,11 @@ std::optional<std::vector<std::uint8_t>> referenceDecode(std::string_view text) 
   std::uint32_t bits = 0;
   int bitCount = 0;
   std::size_t characters = 0;
-  for (char c : text) {
-    if (c == '=') break;
-    const std::size_t sextet = kAlphabet.find(c);
+  std::size_t i = 0;
+  bool padded = false;
+  for (; i < text.size() && !padded; ++i) {
+    padded = text[i] == '=';
+    const std::size_t sextet = kAlphabet.find(text[i]);
     if (sextet == std::string_view::npos) continue;
     ++characters;
     bits = (bits << 6) | static_cast<std::uint32_t>(sextet);
@@ -34,7 +39,26 @@ std::optional<std::vector<std::uint8_t>> referenceDecode(std::string_view text) 
       bits &= (1u << bitCount) - 1;
     }
   }
-  if (characters % 4 == 1) return std::nullopt;
+  int padsBeforeData = padded ? 1 : 0;
+  bool dataAfterPadding = false;
+  for (; i < text.size(); ++i) {
+    if (text[i] == '=') {
+      if (!dataAfterPadding) ++padsBeforeData;
+    } else if (kAlphabet.find(text[i]) != std::string_view::npos) {
+      dataAfterPadding = true;
+    }
+  }
+  bool complete = false;
+  switch (characters % 4) {
+    case 0:
+      complete = padded ? characters > 0 && !dataAfterPadding
+                        : characters > 0 || text.size() % 4 == 0;
+      break;
+    case 2: complete = padsBeforeData >= 2; break;
+    case 3: complete = padded; break;
+    default: break;
+  }
+  if (!complete) return std::nullopt;
   return bytes;
 }
 

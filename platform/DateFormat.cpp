@@ -1,12 +1,11 @@
 #include "platform/DateFormat.h"
 
-#include <algorithm>
-
 namespace tavuro::platform {
 namespace {
 
-// The range the platform's calendar supports, in whole seconds; instants
-// beyond it are shown as the nearest limit. Both limits fall on midnight.
+// The range the platform's calendar supports, in whole seconds; the
+// platform's formatter, which is not lenient, formats nothing beyond it.
+// Both limits fall on midnight.
 constexpr std::int64_t kEarliestSeconds = -184303902528000;
 constexpr std::int64_t kLatestSeconds = 183882168921600;
 
@@ -84,7 +83,8 @@ char* putYear(char* out, std::int64_t year) {
 }  // namespace
 
 std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch) {
-  const std::int64_t seconds = std::clamp(secondsSinceEpoch, kEarliestSeconds, kLatestSeconds);
+  if (secondsSinceEpoch < kEarliestSeconds || secondsSinceEpoch > kLatestSeconds) return {};
+  const std::int64_t seconds = secondsSinceEpoch;
   const std::int64_t julianDay = floorDiv(seconds, kSecondsPerDay) + kJulianDayOfEpoch;
   const CalendarDate date =
       seconds >= kGregorianStartSeconds ? gregorianDate(julianDay) : julianDate(julianDay);

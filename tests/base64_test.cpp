@@ -27,7 +27,14 @@ TEST(Base64, DecodesLeniently) {
     std::optional<std::string> bytes;
   } cases[] = {
       {"", ""},
-      {"Zm9vYmE", "fooba"},  // padding is optional
+      {"Zm9vYmE=", "fooba"},
+      {"Zm9vYmE", std::nullopt},  // a last group of two or three needs its padding
+      {"AA=", std::nullopt},
+      {"AA=!=AAAA", std::string(1, '\0')},  // skipped characters may split it
+      {"AAAA=A", std::nullopt},              // no data after whole groups' "="
+      {"==", std::nullopt},
+      {"_", std::nullopt},  // neither data nor "=": the length must divide by four
+      {"____", ""},
       {"AAAA=", std::string(3, '\0')},
       {"AA===", std::string(1, '\0')},
       {"AAAAA", std::nullopt},

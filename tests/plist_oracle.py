@@ -160,7 +160,9 @@ def check_writer(driver):
     failures = 0
     for d, written in zip(all_dicts, out):
         ours = bytes.fromhex(written)
-        theirs = plistlib.dumps(d, fmt=plistlib.FMT_XML, sort_keys=True)
+        # Keys in UTF-16 order, as the platform writes them.
+        ordered = dict(sorted(d.items(), key=lambda item: item[0].encode("utf-16-be")))
+        theirs = plistlib.dumps(ordered, fmt=plistlib.FMT_XML, sort_keys=False)
         # plistlib writes "\r" as "\n" (and an XML reader normalises it so
         # too); we keep it, so compare with that one difference undone.
         if ours.replace(b"\r", b"\n") != theirs:

@@ -425,6 +425,10 @@ TEST(PlistWriter, WritesThePhoneLayoutByteForByte) {
           "<dict>\n\t<key></key>\n\t<string>x</string>\n\t<key>B</key>\n\t<string>&lt;a&amp;b"
           "&gt;'\"\r</string>\n\t<key>b</key>\n\t<string></string>\n\t<key>\xC3\xA9</key>\n"
           "\t<string>\xF0\x9F\x98\x80</string>\n</dict>\n</plist>\n");
+  // Keys go in UTF-16 order: U+1F600 before U+FFFD.
+  EXPECT_EQ(writeXmlPlist({{"\xEF\xBF\xBD", "1"}, {"\xF0\x9F\x98\x80", "2"}}),
+            header + "<dict>\n\t<key>\xF0\x9F\x98\x80</key>\n\t<string>2</string>\n\t<key>"
+                     "\xEF\xBF\xBD</key>\n\t<string>1</string>\n</dict>\n</plist>\n");
 }
 
 TEST(PlistWriter, WrittenListsReadBackUnchanged) {

@@ -82,13 +82,15 @@ let explained: [String: String] = [
   "duplicate-key": "a key repeated in one object: we keep the first value, as the phone does",
   "trailing-comma": "[1,] and {\"a\":1,}: Foundation tolerates them, we follow RFC 8259",
   "underflow-to-zero": "1e-400: Foundation reads 0, the phone and we reject it",
-  "decimal-number": "Foundation keeps a decimal whose conversions are not correctly rounded",
+  "decimal-number": "more digits than a double holds: Foundation keeps a decimal, we the nearest double",
+  "canonically-equal-keys": "keys equal only under Unicode normalisation: Foundation here keeps one, the phone and we keep both",
 ]
 
 // JSON: the tree as driver.cpp writes it, numbers through Int64(exactly:)
-// and Double(exactly:). With `rounded`, a decimal Foundation kept is read
+// and Double(exactly:). With `rounded`, a decimal Foundation kept is read as
+// the exact integer its text names (when it names one and `rounded` is 1) or
 // as the correctly rounded double instead.
-func jsonTree(_ value: Any, _ out: inout [UInt8], rounded: Bool) {
+func jsonTree(_ value: Any, _ out: inout [UInt8], rounded: Int) {
   func number(_ integer: Int64, _ real: Double) {
     out += Array("#\(integer),\(String(real.bitPattern, radix: 16));".utf8)
   }
@@ -106,8 +108,16 @@ func jsonTree(_ value: Any, _ out: inout [UInt8], rounded: Bool) {
   } else if let n = value as? NSNumber {
     if String(cString: n.objCType) == "c" {
       out += Array((n.boolValue ? "T" : "F").utf8)
-    } else if rounded, n is NSDecimalNumber, let real = Double(n.stringValue) {
-      number(Int64(exactly: real) ?? 0, real)
+    } else if rounded > 0, n is NSDecimalNumber {
+      let text = n.stringValue
+      if rounded == 1, let integer = Int64(text) {
+        number(integer, Double(exactly: integer) ?? 0)
+      } else if rounded == 1, let integer = UInt64(text) {
+        number(0, Double(exactly: integer) ?? 0)
+      } else {
+        let real = Double(text) ?? 0
+        number(Int64(exactly: real) ?? 0, real)
+      }
     } else {
       number(Int64(exactly: n) ?? 0, Double(exactly: n) ?? 0)
     }
@@ -118,37 +128,70 @@ func jsonTree(_ value: Any, _ out: inout [UInt8], rounded: Bool) {
   }
 }
 
-func foundationJson(_ input: [UInt8], rounded: Bool = false) -> [UInt8] {
+func foundationJson(_ input: [UInt8], rounded: Int = 0) -> [UInt8] {
   guard let value = try? JSONSerialization.jsonObject(with: Data(input)) else { return [33] }
   var out = [UInt8]()
   jsonTree(value, &out, rounded: rounded)
   return out
 }
 
-// Whether an object of a UTF-8 JSON text names one key twice.
-func repeatsKey(_ text: [UInt8]) -> Bool {
-  var objects = [Set<String>?](), i = 0
+// Whether an object of a UTF-8 JSON text names one key twice: "exact" when
+// byte for byte, "canonical" when only as canonically equivalent texts
+// ("é" and "e\u{301}", one key to Swift's String).
+func repeatsKey(_ text: [UInt8]) -> String? {
+  var inObject = [Bool](), keys = [Set<String>](), exact = [Set<[UInt8]>](), canonical = false, i = 0
   while i < text.count {
     switch text[i] {
-    case UInt8(ascii: "{"): objects.append([])
-    case UInt8(ascii: "["): objects.append(nil)
-    case UInt8(ascii: "}"), UInt8(ascii: "]"): _ = objects.popLast()
+    case UInt8(ascii: "{"): (inObject, keys, exact) = (inObject + [true], keys + [[]], exact + [[]])
+    case UInt8(ascii: "["): inObject.append(false)
+    case UInt8(ascii: "}"), UInt8(ascii: "]"):
+      if inObject.popLast() == true { (_, _) = (keys.popLast(), exact.popLast()) }
     case UInt8(ascii: "\""):
       let start = i
       i += 1
       while i < text.count, text[i] != UInt8(ascii: "\"") { i += text[i] == 92 ? 2 : 1 }
       var j = i + 1
       while j < text.count, [9, 10, 13, 32].contains(text[j]) { j += 1 }
-      guard j < text.count, text[j] == UInt8(ascii: ":"), objects.last != nil, i < text.count
+      guard j < text.count, text[j] == UInt8(ascii: ":"), inObject.last == true, i < text.count
       else { break }
       let quoted = Data("[".utf8 + text[start...i] + "]".utf8)
       let key = (try? JSONSerialization.jsonObject(with: quoted) as? [String])?.first ?? ""
-      if objects[objects.count - 1]!.insert(key).inserted == false { return true }
+      if !exact[exact.count - 1].insert(Array(key.utf8)).inserted { return "exact" }
+      canonical = canonical || !keys[keys.count - 1].insert(key).inserted
     default: break
     }
     i += 1
   }
-  return false
+  return canonical ? "canonical" : nil
+}
+
+// A tree as written by jsonTree, cut into texts, numbers and single marks.
+func tokens(_ tree: [UInt8]) -> [ArraySlice<UInt8>] {
+  var out = [ArraySlice<UInt8>](), i = 0
+  while i < tree.count {
+    var end = i + 1
+    if tree[i] == UInt8(ascii: "s"), let colon = tree[i...].firstIndex(of: UInt8(ascii: ":")) {
+      end = min(tree.count, colon + 1 + (Int(String(decoding: tree[(i + 1)..<colon], as: UTF8.self)) ?? 0))
+    } else if tree[i] == UInt8(ascii: "#"), let semicolon = tree[i...].firstIndex(of: UInt8(ascii: ";")) {
+      end = semicolon + 1
+    }
+    out.append(tree[i..<end])
+    i = end
+  }
+  return out
+}
+
+// A UTF-16 or UTF-32 text (by byte-order mark or zero bytes) as UTF-8.
+func asUtf8(_ input: [UInt8]) -> [UInt8] {
+  guard input.count >= 4, input.prefix(4).contains(0) else { return input }
+  let encodings: [String.Encoding] = [.utf32, .utf32LittleEndian, .utf32BigEndian, .utf16, .utf16LittleEndian, .utf16BigEndian]
+  for encoding in encodings {
+    if let text = String(data: Data(input), encoding: encoding),
+       let first = text.unicodeScalars.first(where: { !" \t\r\n\u{feff}".unicodeScalars.contains($0) }), "{[".unicodeScalars.contains(first) {
+      return Array(text.utf8)
+    }
+  }
+  return input
 }
 
 func classifyJson(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> String {
@@ -161,8 +204,15 @@ func classifyJson(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> Strin
     }
     return message.hasPrefix("Number too large or too small") ? "underflow-to-zero" : "we-reject"
   default:
-    if foundationJson(input, rounded: true) == ours { return "decimal-number" }
-    return repeatsKey(input) ? "duplicate-key" : "tree-differs"
+    let (a, b, c) = (tokens(ours), tokens(foundationJson(input, rounded: 1)), tokens(foundationJson(input, rounded: 2)))
+    if a.count == b.count, b.count == c.count, zip(a, zip(b, c)).allSatisfy({ $0 == $1.0 || $0 == $1.1 }) {
+      return "decimal-number"
+    }
+    switch repeatsKey(asUtf8(input)) {
+    case "exact": return "duplicate-key"
+    case "canonical": return "canonically-equal-keys"
+    default: return "tree-differs"
+    }
   }
 }
 
