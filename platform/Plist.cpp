@@ -60,7 +60,7 @@ bool inUtf16Order(std::string_view a, std::string_view b) {
 std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes) {
   // Any "bplist" prefix is claimed by the binary reader, which accepts only
-  // version 00: another version is not XML either.
+  // versions 0x: another version is not XML either.
   if (bytes.size() > kMaxPlistBytes) return std::nullopt;
   try {
     if (bytes.substr(0, kBinaryMagicPrefix.size()) == kBinaryMagicPrefix) {
