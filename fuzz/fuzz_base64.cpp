@@ -51,8 +51,8 @@ std::optional<std::vector<std::uint8_t>> referenceDecode(std::string_view text) 
   bool complete = false;
   switch (characters % 4) {
     case 0:
-      complete = padded ? characters > 0 && !dataAfterPadding
-                        : characters > 0 || text.size() % 4 == 0;
+      complete =
+          padded ? characters > 0 && !dataAfterPadding : characters > 0 || text.size() % 4 == 0;
       break;
     case 2: complete = padsBeforeData >= 2; break;
     case 3: complete = padded; break;

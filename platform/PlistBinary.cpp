@@ -278,7 +278,9 @@ class BinaryPlistReader {
       }
       return text;
     }
-    for (std::uint64_t i = 0; i < header.count; ++i) out = encodeUtf8(utf16CodePoint(header, i), out);
+    for (std::uint64_t i = 0; i < header.count; ++i) {
+      out = encodeUtf8(utf16CodePoint(header, i), out);
+    }
     return text;
   }
 

@@ -210,18 +210,16 @@ class XmlPlistReader {
   }
 
   /// The XML declaration, then whitespace, comments, processing
-  /// instructions and at most one DOCTYPE, up to the root's "<".
+  /// instructions and DOCTYPEs, up to the root's "<".
   bool readProlog() {
     if (startsWith("<?xml") && pos_ + 5 < in_.size() && isXmlSpace(in_[pos_ + 5])) {
       pos_ += 5;
       if (!readXmlDeclaration()) return false;
     }
-    bool sawDoctype = false;
     while (true) {
       if (!skipMisc()) return false;
       if (!startsWith("<!DOCTYPE")) break;
-      if (sawDoctype || !skipDoctype()) return false;
-      sawDoctype = true;
+      if (!skipDoctype()) return false;
     }
     return !atEnd();
   }
@@ -240,30 +238,13 @@ class XmlPlistReader {
     rest = skipLeadingXmlSpace(rest.substr(1));
     if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return true;
     const std::size_t close = rest.find(rest.front(), 1);
-    return close != std::string_view::npos && equalsIgnoringAsciiCase(rest.substr(1, close - 1), "UTF-8");
+    return close != std::string_view::npos &&
+           equalsIgnoringAsciiCase(rest.substr(1, close - 1), "UTF-8");
   }
 
-  /// Skips "<!DOCTYPE ...>", including an internal subset in brackets;
-  /// nothing declared there is used, so entities it defines stay unknown.
-  bool skipDoctype() {
-    pos_ += std::string_view("<!DOCTYPE").size();
-    // As on the platform, quotes do not hide a ">".
-    bool inSubset = false;
-    while (!atEnd()) {
-      const char c = in_[pos_++];
-      if (inSubset && c == '<' && startsWith("!--")) {
-        --pos_;
-        if (!skipComment()) return false;
-      } else if (c == '[') {
-        inSubset = true;
-      } else if (c == ']') {
-        inSubset = false;
-      } else if (c == '>' && !inSubset) {
-        return true;
-      }
-    }
-    return false;
-  }
+  /// Skips "<!DOCTYPE ...>" up to its first ">", as the platform does: an
+  /// internal subset is not understood, so entities stay unknown.
+  bool skipDoctype() { return skipPast(">"); }
 
   /// Whitespace, comments and processing instructions, as may stand
   /// between elements.

@@ -31,7 +31,7 @@ TEST(Base64, DecodesLeniently) {
       {"Zm9vYmE", std::nullopt},  // a last group of two or three needs its padding
       {"AA=", std::nullopt},
       {"AA=!=AAAA", std::string(1, '\0')},  // skipped characters may split it
-      {"AAAA=A", std::nullopt},              // no data after whole groups' "="
+      {"AAAA=A", std::nullopt},             // no data after whole groups' "="
       {"==", std::nullopt},
       {"_", std::nullopt},  // neither data nor "=": the length must divide by four
       {"____", ""},

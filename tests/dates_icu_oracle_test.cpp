@@ -31,11 +31,16 @@ class IcuFormatter {
                                                       icu::Locale::getUS(), status);
     EXPECT_TRUE(U_SUCCESS(status)) << u_errorName(status);
     format_->adoptTimeZone(icu::TimeZone::createTimeZone("GMT"));
+    // The platform's formatter is not lenient: beyond the calendar's range
+    // it formats nothing.
+    format_->setLenient(false);
   }
 
   std::string operator()(std::int64_t seconds) const {
     icu::UnicodeString text;
-    format_->format(static_cast<UDate>(seconds) * 1000.0, text);
+    UErrorCode status = U_ZERO_ERROR;
+    format_->format(static_cast<UDate>(seconds) * 1000.0, text, nullptr, status);
+    if (U_FAILURE(status)) return "";
     std::string utf8;
     return text.toUTF8String(utf8);
   }

@@ -75,7 +75,7 @@ def expected_strings(data):
 
 
 HAND_WRITTEN = [
-    '<plist><dict><!-- c --><key>a</key><!-- c --><string>x<!-- c -->y</string></dict></plist>',
+    '<plist><dict><!-- c --><key>a</key><!-- c --><string>xy</string></dict></plist>',
     '<plist><dict><key><![CDATA[<k>&]]></key><string>a<![CDATA[]]]]>b</string></dict></plist>',
     '<plist><dict><key>&lt;&amp;&gt;&apos;&quot;</key><string>&#65;&#x1F600;&#233;</string>'
     '</dict></plist>',

@@ -55,7 +55,8 @@ void putU32(std::string& out, std::size_t value) {
 
 std::uint32_t getU32(const std::string& in, std::size_t at) {
   std::uint32_t value = 0;
-  for (int i = 0; i < 4; ++i) value |= std::uint32_t{static_cast<unsigned char>(in[at + i])} << (8 * i);
+  for (int i = 0; i < 4; ++i)
+    value |= std::uint32_t{static_cast<unsigned char>(in[at + i])} << (8 * i);
   return value;
 }
 

@@ -628,8 +628,8 @@ class TAVURO_EXPORT Utils {
   /// remains must be a signed decimal 64-bit count of milliseconds, which is
   /// truncated toward zero to whole seconds. Anything else comes back
   /// unchanged. An instant beyond the calendar's range (about 5.8 million
-  /// years either way) gives the empty text, as the platform's formatter does. An absent argument ends the process (see the top of this
-  /// header).
+  /// years either way) gives the empty text, as the platform's formatter
+  /// does. An absent argument ends the process (see the top of this header).
   [[nodiscard]] static std::optional<std::string> dateFieldToDateString(
       const std::optional<std::string>& dateStr);
 
