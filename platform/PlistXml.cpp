@@ -242,9 +242,17 @@ class XmlPlistReader {
            equalsIgnoringAsciiCase(rest.substr(1, close - 1), "UTF-8");
   }
 
-  /// Skips "<!DOCTYPE ...>" up to its first ">", as the platform does: an
-  /// internal subset is not understood, so entities stay unknown.
-  bool skipDoctype() { return skipPast(">"); }
+  /// Skips "<!DOCTYPE ...>" up to its first ">". As on the platform, an
+  /// internal subset ("[" before that ">") is an error.
+  bool skipDoctype() {
+    const std::size_t close = in_.find('>', pos_);
+    if (close == std::string_view::npos ||
+        in_.substr(pos_, close - pos_).find('[') != std::string_view::npos) {
+      return false;
+    }
+    pos_ = close + 1;
+    return true;
+  }
 
   /// Whitespace, comments and processing instructions, as may stand
   /// between elements.
