@@ -4,6 +4,7 @@
 // file can claim any size, count, offset or reference.
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -291,8 +292,9 @@ class BinaryPlistReader {
             *readHeader(*readReference(root.content + (root.count + i) * refSize_))};
   }
 
-  /// The string entries of the (already checked) root dict; a repeated key
-  /// takes its last value and is dropped if that is not a string. One string
+  /// The string entries of the (already checked) root dict; of a repeated
+  /// key the first value counts, as on the platform (in the XML form it is
+  /// the last), and the key is dropped if that is not a string. One string
   /// object may stand under many keys and is copied under each, so the
   /// copies are sized first and refused, before any is made, when they would
   /// not fit the budget. Every key is decoded, kept or not, so its bytes are
@@ -308,12 +310,15 @@ class BinaryPlistReader {
       if (!taken) return std::nullopt;
     }
     PlistStringDictionary entries;
+    std::set<std::string> otherKinds;  // keys whose first value is no string
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      std::string name = decodeString(key);
+      if (entries.count(name) != 0 || otherKinds.count(name) != 0) continue;
       if (isStringType(value.type)) {
-        entries[decodeString(key)] = decodeString(value);
+        entries.emplace(std::move(name), decodeString(value));
       } else {
-        entries.erase(decodeString(key));
+        otherKinds.insert(std::move(name));
       }
     }
     return entries;

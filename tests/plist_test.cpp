@@ -253,7 +253,7 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
     entries.emplace_back(b.ascii("dup"), b.ascii("last"));
     entries.emplace_back(b.ascii("gone"), b.ascii("string"));
     entries.emplace_back(b.ascii("gone"), inner);
-    cases.emplace_back(b.build(b.dict(entries)), Dict{{"dup", "last"}});
+    cases.emplace_back(b.build(b.dict(entries)), Dict{{"dup", "first"}, {"gone", "string"}});
   }
   {
     // As the platform reads them: "ASCII" strings as ISO Latin-1, unpaired
