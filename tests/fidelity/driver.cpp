@@ -19,10 +19,9 @@
 
 namespace {
 
-std::uint32_t u32(const char* in) {  // little-endian machines only, as below
+std::uint32_t u32(const void* in) {  // little-endian, as is every machine this runs on
   std::uint32_t value = 0;
-  std::memcpy(&value, in, 4);
-  return value;
+  return *static_cast<std::uint32_t*>(std::memcpy(&value, in, 4));
 }
 
 std::string text(std::string_view bytes) {
@@ -139,9 +138,9 @@ int main() {
     std::vector<std::pair<char, std::string>> requests(u32(head));
     for (auto& [operation, in] : requests) {
       if (std::fread(head, 1, 5, stdin) != 5) return 1;
-      operation = head[0];
       in.resize(u32(head + 1));
       if (std::fread(in.data(), 1, in.size(), stdin) != in.size()) return 1;
+      operation = head[0];
     }
     for (const auto& [operation, in] : requests) {
       const std::string out = answer(operation, in);

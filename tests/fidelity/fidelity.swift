@@ -46,8 +46,7 @@ struct Area {
 let plainKind = { (_: [UInt8], ours: [UInt8], theirs: [UInt8]) in ours == absent ? "we-reject" : theirs == absent ? "we-accept-foundation-rejects" : "differs" }
 
 let explained = ["duplicate-key": "a key repeated in one object: we keep the first value, as the phone does",
-  "trailing-comma": "[1,] and {\"a\":1,}: Foundation tolerates them, we follow RFC 8259",
-  "underflow-to-zero": "1e-400: Foundation reads 0, the phone and we reject it",
+  "trailing-comma": "[1,] and {\"a\":1,}: Foundation tolerates them, we follow RFC 8259", "underflow-to-zero": "1e-400: Foundation reads 0, the phone and we reject it",
   "decimal-number": "more digits than a double holds: Foundation keeps a decimal, we the nearest double",
   "openstep-format": "Foundation reads the old text format too (even blank text); we read XML and binary",
   "canonically-equal-keys": "keys equal only under Unicode normalisation: Swift here merges them, we keep both"]
@@ -112,8 +111,7 @@ func tokens(_ tree: [UInt8]) -> [ArraySlice<UInt8>] {  // a tree cut into texts,
 
 func asUtf8(_ input: [UInt8]) -> [UInt8] {  // a UTF-16 or UTF-32 text (told by its zero bytes) as UTF-8
   guard input.count >= 4, input.prefix(4).contains(0) else { return input }
-  let encodings: [String.Encoding] = [.utf32, .utf32LittleEndian, .utf32BigEndian, .utf16, .utf16LittleEndian, .utf16BigEndian]
-  let text = encodings.lazy.compactMap { String(data: Data(input), encoding: $0) }
+  let text = ([.utf32, .utf32LittleEndian, .utf32BigEndian, .utf16, .utf16LittleEndian, .utf16BigEndian] as [String.Encoding]).lazy.compactMap { String(data: Data(input), encoding: $0) }
     .first { $0.unicodeScalars.first { !" \t\r\n\u{feff}".unicodeScalars.contains($0) }.map { "{[".unicodeScalars.contains($0) } ?? false }
   return text.map { Array($0.utf8) } ?? input
 }
@@ -146,8 +144,7 @@ func jsonValue(_ r: inout Rng, _ depth: Int) -> String {
   switch r.int(depth > 3 ? 5 : 7) {
   case 0, 1: return "\"" + r.text(jsonPieces, 5) + "\""
   case 2: return r.pick(["true", "false", "null"])
-  case 3:
-    if r.percent(50) { return r.pick(jsonNumbers) }
+  case 3: if r.percent(50) { return r.pick(jsonNumbers) }
     let digits = String(r.next() >> r.int(64))
     return (r.percent(30) ? "-" : "") + digits + (r.percent(40) ? ".\(r.int(1000))" : "") + (r.percent(20) ? "e\(r.int(700) - 350)" : "")
   case 4, 5: return "[" + (0..<r.int(5)).map { _ in gap + jsonValue(&r, depth + 1) }.joined(separator: ",") + "]"
@@ -156,8 +153,7 @@ func jsonValue(_ r: inout Rng, _ depth: Int) -> String {
 }
 
 func jsonObject(_ r: inout Rng, _ depth: Int) -> String {
-  var keys = Set<String>()
-  for _ in 0..<r.int(5) { keys.insert(r.pick(jsonKeys)) }
+  var keys = Set<String>(); for _ in 0..<r.int(5) { keys.insert(r.pick(jsonKeys)) }
   return "{" + keys.sorted().map { "\"\($0)\"" + r.pick(gaps) + ":" + jsonValue(&r, depth + 1) }.joined(separator: ",") + r.pick(gaps) + "}"
 }
 
@@ -178,17 +174,13 @@ func generateJson(_ r: inout Rng, _ index: Int) -> [UInt8] {
   case 0, 1: return mutate(&r, Array(doc.utf8), Array(",]}\"\\:0 \t\u{0b}".utf8) + [0, 0x80, 0xC3, 0xFF])
   case 2:  // a trailing comma
     let closers = doc.indices.filter { "]}".contains(doc[$0]) }
-    guard let at = closers.isEmpty ? nil : closers[r.int(closers.count)] else { return Array(doc.utf8) }
-    return Array((doc[..<at] + "," + doc[at...]).utf8)
+    guard let at = closers.isEmpty ? nil : closers[r.int(closers.count)] else { return Array(doc.utf8) }; return Array((doc[..<at] + "," + doc[at...]).utf8)
   case 3:
-    let key = r.pick(jsonKeys)
-    return Array("{\"\(key)\":\(jsonValue(&r, 3)),\"\(key)\":\(jsonValue(&r, 3))}".utf8)
-  case 4:
-    let (encoding, mark): (String.Encoding, [UInt8]) = r.pick([(.utf16LittleEndian, [0xFF, 0xFE]), (.utf16BigEndian, [0xFE, 0xFF]),
+    let key = r.pick(jsonKeys); return Array("{\"\(key)\":\(jsonValue(&r, 3)),\"\(key)\":\(jsonValue(&r, 3))}".utf8)
+  case 4: let (encoding, mark): (String.Encoding, [UInt8]) = r.pick([(.utf16LittleEndian, [0xFF, 0xFE]), (.utf16BigEndian, [0xFE, 0xFF]),
       (.utf32LittleEndian, [0xFF, 0xFE, 0, 0]), (.utf32BigEndian, [0, 0, 0xFE, 0xFF]), (.utf8, [0xEF, 0xBB, 0xBF])])
     return (r.percent(50) ? mark : []) + Array(doc.data(using: encoding)!)
-  case 5:  // nesting around the limit of 512
-    let open = (0..<500 + r.int(20)).map { _ in r.percent(50) ? "[" : "{\"k\":" }
+  case 5: let open = (0..<500 + r.int(20)).map { _ in r.percent(50) ? "[" : "{\"k\":" }
     return Array((open.joined() + "1" + open.reversed().map { $0 == "[" ? "]" : "}" }.joined()).utf8)
   default: return Array(doc.utf8)
   }
@@ -307,11 +299,8 @@ func generateBinary(_ r: inout Rng, _ index: Int) -> [UInt8] {
   var out = Array(try! PropertyListSerialization.data(fromPropertyList: root, format: .binary, options: 0))
   if r.percent(40) { return out }
   if r.percent(50) {
-    let at = out.count - 1 - r.int(32)
-    out[at] = r.percent(50) ? out[at] &+ UInt8(r.int(3)) &- 1 : UInt8(r.int(256))
-  } else {
-    out = mutate(&r, out, [0, 1, 8, 0x5F, 0x6F, 0xD1, 0xA1, 0xFF])
-  }
+    let at = out.count - 1 - r.int(32); out[at] = r.percent(50) ? out[at] &+ UInt8(r.int(3)) &- 1 : UInt8(r.int(256))
+  } else { out = mutate(&r, out, [0, 1, 8, 0x5F, 0x6F, 0xD1, 0xA1, 0xFF]) }
   return out.map { $0 & 0xF0 == 0xC0 ? $0 ^ 0x20 : $0 }
 }
 
@@ -324,13 +313,7 @@ func generateWrite(_ r: inout Rng, _ index: Int) -> [UInt8] {
 }
 
 func foundationWrite(_ input: [UInt8]) -> [UInt8] {
-  var texts = [String](), at = 0
-  while at < input.count {
-    let colon = input[at...].firstIndex(of: UInt8(ascii: ":"))!, size = Int(String(decoding: input[(at + 1)..<colon], as: UTF8.self))!
-    texts.append(String(decoding: input[(colon + 1)..<(colon + 1 + size)], as: UTF8.self))
-    at = colon + 1 + size
-  }
-  let dictionary = NSMutableDictionary()
+  let texts = tokens(input).map { String(decoding: $0.drop { $0 != 58 }.dropFirst(), as: UTF8.self) }, dictionary = NSMutableDictionary()
   for i in stride(from: 0, to: texts.count, by: 2) { dictionary.setObject(NSString(string: texts[i + 1]), forKey: NSString(string: texts[i])) }
   return (try? PropertyListSerialization.data(fromPropertyList: dictionary, format: .xml, options: 0)).map { Array($0) } ?? absent
 }
@@ -341,9 +324,8 @@ func foundationDate(_ input: [UInt8]) -> [UInt8] {
   Array(formatter.string(from: Date(timeIntervalSince1970: Double(Int64(String(decoding: input.dropFirst(6).dropLast(2), as: UTF8.self))! / 1000))).utf8)
 }
 
-// In turn: anywhere, in the calendar's range, within 10,000 years, every day
-// boundary out from 1582-10-15 (and a second either side), near year 1, near
-// the range's limits, near today, near 1970.
+// In turn: anywhere, in the calendar's range, within 10,000 years, every day boundary out from 1582-10-15 (and a
+// second either side), near year 1, near the range's limits, near today, near 1970.
 func generateDate(_ r: inout Rng, _ index: Int) -> [UInt8] {
   let j = index / 8, limits: [Int64] = [-184_303_902_528_000_000, 183_882_168_921_600_000, .min, .max]
   var ms: Int64
@@ -353,9 +335,7 @@ func generateDate(_ r: inout Rng, _ index: Int) -> [UInt8] {
   case 2: ms = Int64(bitPattern: r.next()) % 320_000_000_000_000
   case 3: ms = (-12_219_292_800 + Int64(j / 6) * (j / 3 % 2 == 0 ? 1 : -1) * 86_400 + [0, -1, 1][j % 3]) * 1000
   case 4: ms = (-62_135_596_800 + Int64(r.int(6 * 31_622_400)) - 3 * 31_622_400) * 1000 + Int64(r.int(1000))
-  case 5:
-    let (near, overflow) = r.pick(limits).addingReportingOverflow(Int64(r.int(2_000_000_000_000)) - 1_000_000_000_000)
-    ms = r.percent(10) ? r.pick(limits) : overflow ? Int64.max : near
+  case 5: let (near, overflow) = r.pick(limits).addingReportingOverflow(Int64(r.int(2_000_000_000_000)) - 1_000_000_000_000); ms = r.percent(10) ? r.pick(limits) : overflow ? Int64.max : near
   case 6: ms = Int64(r.int(4_000_000_000_000)) - 2_000_000_000_000
   default: ms = Int64(r.int(200_000)) - 100_000
   }
@@ -365,15 +345,13 @@ func generateDate(_ r: inout Rng, _ index: Int) -> [UInt8] {
 let areas = [
   Area(name: "json", op: "J", big: true, generate: generateJson, foundation: { foundationJson($0) }, classify: classifyJson),
   Area(name: "base64", op: "B", big: true, generate: generateBase64, foundation: decoded), Area(name: "base64url", op: "U", big: true, generate: generateBase64, foundation: base64Url),
-  Area(name: "basic-header", op: "H", big: true, generate: generateCredentials, foundation: basicHeader),
-  Area(name: "plist-xml", op: "P", big: false, generate: generateXml, foundation: foundationPlist, classify: classifyPlist),
+  Area(name: "basic-header", op: "H", big: true, generate: generateCredentials, foundation: basicHeader), Area(name: "plist-xml", op: "P", big: false, generate: generateXml, foundation: foundationPlist, classify: classifyPlist),
   Area(name: "plist-binary", op: "P", big: false, generate: generateBinary, foundation: foundationPlist, classify: classifyPlist),
   Area(name: "plist-write", op: "W", big: false, generate: generateWrite, foundation: foundationWrite), Area(name: "dates", op: "D", big: false, generate: generateDate, foundation: foundationDate),
 ]
 
 func show(_ bytes: [UInt8]) -> String {
-  bytes.prefix(160).map { (32..<127).contains($0) && $0 != 92 ? String(UnicodeScalar($0)) : String(format: "\\x%02x", $0) }.joined()
-    + (bytes.count > 160 ? "... (\(bytes.count) bytes)" : "")
+  bytes.prefix(160).map { (32..<127).contains($0) && $0 != 92 ? String(UnicodeScalar($0)) : String(format: "\\x%02x", $0) }.joined() + (bytes.count > 160 ? "... (\(bytes.count) bytes)" : "")
 }
 
 let dump = ProcessInfo.processInfo.environment["FIDELITY_DUMP"].flatMap { FileManager.default.createFile(atPath: $0, contents: nil) ? FileHandle(forWritingAtPath: $0) : nil }
@@ -394,8 +372,7 @@ func run(_ area: Area, count: Int, seed: UInt64, driver: Driver) -> Bool {
     }
     index += inputs.count
   }
-  print(String(format: "%@: %d compared, %d agreed (%.4f%%) in %.1f s", area.name, count, agreed,
-               100 * Double(agreed) / Double(max(count, 1)), Date().timeIntervalSince(started)))
+  print(String(format: "%@: %d compared, %d agreed (%.4f%%) in %.1f s", area.name, count, agreed, 100 * Double(agreed) / Double(max(count, 1)), Date().timeIntervalSince(started)))
   for (name, kind) in kinds.sorted(by: { $0.key < $1.key }) {
     print("  \(name): \(kind.count) \(explained[name].map { "(explained: \($0))" } ?? (openAreas.contains(area.name) ? "OPEN" : "UNEXPLAINED"))")
     print("    example (input \(kind.index)): \(show(kind.input))\n    library:    \(show(kind.ours))\n    Foundation: \(show(kind.theirs))")
@@ -421,8 +398,7 @@ while !arguments.isEmpty {
   default: print("unknown argument \(flag)"); exit(2)
   }
 }
-let driver = try Driver(driverPath)
-print("seed \(seed); \(bigCount) inputs for json and base64, \(smallCount) for the others")
+let driver = try Driver(driverPath); print("seed \(seed); \(bigCount) inputs for json and base64, \(smallCount) for the others")
 let ok = areas.filter { only.isEmpty || only.contains($0.name) }.map { run($0, count: $0.big ? bigCount : smallCount, seed: seed, driver: driver) }.allSatisfy { $0 }
 print(ok ? "every disagreement is explained" : "UNEXPLAINED disagreements: see above")
 exit(ok ? 0 : 1)
