@@ -49,7 +49,8 @@ let explained = ["duplicate-key": "a key repeated in one object: we keep the fir
   "trailing-comma": "[1,] and {\"a\":1,}: Foundation tolerates them, we follow RFC 8259", "underflow-to-zero": "1e-400: Foundation reads 0, the phone and we reject it",
   "decimal-number": "more digits than a double holds: Foundation keeps a decimal, we the nearest double",
   "openstep-format": "Foundation reads the old text format too (even blank text); we read XML and binary",
-  "canonically-equal-keys": "keys equal only under Unicode normalisation: Swift here merges them, we keep both"]
+  "canonically-equal-keys": "keys equal only under Unicode normalisation: Swift here merges them, we keep both",
+  "bom-in-string": "a U+FEFF right after an escape in a string: Foundation here drops it, RFC 8259 and we keep it"]
 let openAreas: Set = ["plist-xml", "plist-binary"]  // known, open kinds: printed as OPEN, listed in the docs
 
 // The tree as driver.cpp writes it, numbers through Int64(exactly:) and Double(exactly:). With `rounded` 1 or 2,
@@ -127,6 +128,7 @@ func classifyJson(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> Strin
     let (a, b, c) = (tokens(ours), tokens(foundationJson(input, rounded: 1)), tokens(foundationJson(input, rounded: 2)))
     if a.count == b.count, b.count == c.count, zip(a, zip(b, c)).allSatisfy({ $0 == $1.0 || $0 == $1.1 }) { return "decimal-number" }
     let repeated = repeatsKey(asUtf8(input))
+    if contains(input, "\u{feff}"), foundationJson(Array(String(decoding: input, as: UTF8.self).replacingOccurrences(of: "\u{feff}", with: "").utf8)) == theirs { return "bom-in-string" }
     return repeated == "exact" ? "duplicate-key" : repeated == "canonical" ? "canonically-equal-keys" : "tree-differs"
   }
 }
