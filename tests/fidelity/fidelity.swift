@@ -32,8 +32,7 @@ final class Driver {  // batches of requests down one pipe, their answers up ano
   func send(_ op: UInt8, _ inputs: [[UInt8]]) { requests.fileHandleForWriting.write(Data(inputs.reduce(u32(inputs.count)) { $0 + [op] + u32($1.count) + $1 })) }
   func take(_ count: Int) -> [UInt8] {
     while buffer.count - at < count {
-      let chunk = answers.fileHandleForReading.availableData; precondition(!chunk.isEmpty, "the driver stopped")
-      (buffer, at) = (Array(buffer[at...]) + chunk, 0)
+      let chunk = answers.fileHandleForReading.availableData; precondition(!chunk.isEmpty, "the driver stopped"); (buffer, at) = (Array(buffer[at...]) + chunk, 0)
     }
     defer { at += count }; return Array(buffer[at..<at + count])
   }
