@@ -49,21 +49,24 @@ bool equalsIgnoringAsciiCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-// Numbers may have blanks before them, as the platform's reader allows,
-// but not after.
-std::string_view skipLeadingXmlSpace(std::string_view text) {
-  while (!text.empty() && isXmlSpace(text.front())) text.remove_prefix(1);
+// Numbers may have blanks (as C counts them, form feed and vertical tab
+// too) before them, as the platform's reader allows, but not after.
+std::string_view skipLeadingBlanks(std::string_view text) {
+  while (!text.empty() &&
+         std::string_view(" \t\n\v\f\r").find(text.front()) != std::string_view::npos) {
+    text.remove_prefix(1);
+  }
   return text;
 }
 
 /// Decimal or 0x-prefixed hexadecimal with an optional sign, within the
 /// range a property-list integer can hold: -2^63 to 2^64-1.
 bool isPlistInteger(std::string_view text) {
-  text = skipLeadingXmlSpace(text);
+  text = skipLeadingBlanks(text);
   bool negative = false;
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
     negative = text.front() == '-';
-    text.remove_prefix(1);
+    text = skipLeadingBlanks(text.substr(1));  // an integer's sign may stand apart
   }
   std::uint64_t base = 10;
   if (text.size() > 2 && text[0] == '0' && asciiLower(text[1]) == 'x') {
@@ -99,7 +102,7 @@ bool isPlistReal(std::string_view text) {
       equalsIgnoringAsciiCase(word, "infinity")) {
     return true;
   }
-  text = skipLeadingXmlSpace(text);
+  text = skipLeadingBlanks(text);
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
   std::size_t pos = countDigits(text, 0);
   std::size_t mantissaDigits = pos;
@@ -233,9 +236,9 @@ class XmlPlistReader {
     pos_ = end + 2;
     const std::size_t name = declaration.find("encoding");
     if (name == std::string_view::npos) return true;
-    std::string_view rest = skipLeadingXmlSpace(declaration.substr(name + 8));
+    std::string_view rest = skipLeadingBlanks(declaration.substr(name + 8));
     if (rest.empty() || rest.front() != '=') return true;
-    rest = skipLeadingXmlSpace(rest.substr(1));
+    rest = skipLeadingBlanks(rest.substr(1));
     if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return true;
     const std::size_t close = rest.find(rest.front(), 1);
     return close != std::string_view::npos &&

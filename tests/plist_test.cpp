@@ -125,6 +125,8 @@ TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
     bool valid;
   } cases[] = {
       {"integer", "+0", true},
+      {"integer", "\f- 7", true},  // blanks before the number and after its sign
+      {"real", "- 1", false},
       {"integer", "-0X7fffFFFFffffFFFF", true},
       {"integer", "18446744073709551616", false},
       {"integer", "-9223372036854775809", false},
