@@ -127,7 +127,7 @@ func classifyJson(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> Strin
     let (a, b, c) = (tokens(ours), tokens(foundationJson(input, rounded: 1)), tokens(foundationJson(input, rounded: 2)))
     if a.count == b.count, b.count == c.count, zip(a, zip(b, c)).allSatisfy({ $0 == $1.0 || $0 == $1.1 }) { return "decimal-number" }
     let repeated = repeatsKey(asUtf8(input))
-    if contains(input, "\u{feff}"), foundationJson(Array(String(decoding: input, as: UTF8.self).replacingOccurrences(of: "\u{feff}", with: "").utf8)) == theirs { return "bom-in-string" }
+    if repeated == nil, contains(Array(input.dropFirst(3)), "\u{feff}"), foundationJson(Array(String(decoding: input, as: UTF8.self).replacingOccurrences(of: "\u{feff}", with: "").utf8)) == theirs { return "bom-in-string" }
     return repeated == "exact" ? "duplicate-key" : repeated == "canonical" ? "canonically-equal-keys" : "tree-differs"
   }
 }
