@@ -47,7 +47,7 @@ let plainKind = { (_: [UInt8], ours: [UInt8], theirs: [UInt8]) in ours == absent
 let explained = ["duplicate-key": "a key repeated in one object: we keep the first value, as the phone does",
   "trailing-comma": "[1,] and {\"a\":1,}: Foundation tolerates them, we follow RFC 8259", "underflow-to-zero": "1e-400: Foundation reads 0, the phone and we reject it",
   "decimal-number": "more digits than a double holds: Foundation keeps a decimal, we the nearest double",
-  "openstep-format": "Foundation reads the old text format too (even blank text); we read XML and binary",
+  "old-text-format": "Foundation reads the old text format too (even blank text); we read XML and binary",
   "canonically-equal-keys": "keys equal only under Unicode normalisation: Swift here merges them, we keep both",
   "bom-in-string": "a U+FEFF right after an escape in a string: Foundation here drops it, RFC 8259 and we keep it"]
 let openAreas: Set = ["plist-xml", "plist-binary"]  // known, open kinds: printed as OPEN, listed in the docs
@@ -238,7 +238,7 @@ func contains(_ input: [UInt8], _ piece: String) -> Bool {
 func classifyPlist(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> String {
   var format = PropertyListSerialization.PropertyListFormat.xml
   _ = try? PropertyListSerialization.propertyList(from: Data(input), options: [], format: &format)
-  if ours == absent, theirs != absent, format == .openStep { return "openstep-format" }
+  if ours == absent, theirs != absent, format == .openStep { return "old-text-format" }
   if ours != absent, theirs != absent, contains(input, "\u{e9}"), contains(input, "e\u{301}") { return "canonically-equal-keys" }
   if ours == absent, theirs != absent, !input.starts(with: Array("bplist".utf8)), String(validatingUTF8: input.map { CChar(bitPattern: $0) } + [0]) == nil { return "not-utf8" }
   return plainKind(input, ours, theirs)
