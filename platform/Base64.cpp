@@ -100,6 +100,28 @@ inline void decodeCleanGroups(const unsigned char*& in, const unsigned char* end
   }
 }
 
+// Whether the text ends its data as the platform's decoder demands, given
+// the characters of the last group before the first "=" (`pending`),
+// whether any group before them was complete, whether a "=" was met and what
+// follows it (`rest` to `end`). A last group of one character never makes a
+// byte; two need "==" and three "=" (characters outside the alphabet may
+// stand between them). After complete groups, a "=" may be followed only by
+// more "=" and other skipped characters, and some data must come before it.
+// A text with no data and no "=" decodes to nothing only when its length is
+// a multiple of four.
+bool paddingIsComplete(int pending, bool hadGroups, bool padded, const unsigned char* rest,
+                       const unsigned char* end, std::size_t textSize) {
+  if (pending == 1) return false;
+  if (!padded) return pending == 0 && (hadGroups || textSize % 4 == 0);
+  if (pending == 3) return true;
+  for (; rest != end; ++rest) {
+    const std::uint8_t sextet = kSextet[*rest];
+    if (sextet == kPad && pending == 2) return true;
+    if (sextet < 64) return false;
+  }
+  return pending == 0 && hadGroups;
+}
+
 }  // namespace
 
 std::string base64Encode(std::string_view bytes) {
@@ -135,12 +157,11 @@ std::optional<std::vector<std::uint8_t>> base64DecodeLenient(std::string_view te
   std::uint8_t* out = bytes.data();
 
   PendingSextets pending;
-  while (in != end) {
+  bool padded = false;
+  while (in != end && !padded) {
     decodeCleanGroups(in, end, pending, out);
-    if (in == end) break;
     // The run stopped at a character outside the alphabet (or near the
     // end): take characters one at a time up to and including it.
-    bool padded = false;
     while (in != end) {
       const std::uint8_t sextet = kSextet[*in++];
       if (sextet == kSkip) break;
@@ -150,13 +171,14 @@ std::optional<std::vector<std::uint8_t>> base64DecodeLenient(std::string_view te
       }
       appendSextet(pending, sextet, out);
     }
-    if (padded) break;
+  }
+  if (!paddingIsComplete(pending.count, out != bytes.data(), padded, in, end, text.size())) {
+    return std::nullopt;
   }
 
   // A last group of two or three characters carries one or two whole bytes;
-  // the bits beyond them are dropped. One character cannot make a byte.
+  // the bits beyond them are dropped.
   switch (pending.count) {
-    case 1: return std::nullopt;
     case 2: *out++ = static_cast<std::uint8_t>(pending.bits >> 4); break;
     case 3:
       *out++ = static_cast<std::uint8_t>(pending.bits >> 10);

@@ -1,7 +1,5 @@
 #include "platform/DateFormat.h"
 
-#include <algorithm>
-
 namespace tavuro::platform {
 namespace {
 
@@ -79,8 +77,10 @@ char* putYear(char* out, std::int64_t year) {
 }  // namespace
 
 std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch) {
-  const std::int64_t seconds =
-      std::clamp(secondsSinceEpoch, kEarliestFormattedSeconds, kLatestFormattedSeconds);
+  if (secondsSinceEpoch < kEarliestFormattedSeconds || secondsSinceEpoch > kLatestFormattedSeconds) {
+    return {};
+  }
+  const std::int64_t seconds = secondsSinceEpoch;
   const std::int64_t julianDay = floorDiv(seconds, kSecondsPerDay) + kJulianDayOfEpoch;
   const CalendarDate date =
       seconds >= kGregorianStartSeconds ? gregorianDate(julianDay) : julianDate(julianDay);

@@ -1,6 +1,8 @@
 #include "platform/Plist.h"
 
+#include <algorithm>
 #include <new>
+#include <vector>
 
 #include "platform/PlistFormats.h"
 #include "platform/Utf8.h"
@@ -39,12 +41,26 @@ void appendElement(std::string& out, std::string_view name, std::string_view tex
   out += ">\n";
 }
 
+// The platform writes keys in the order of their UTF-16 code units. For
+// UTF-8 that is byte order, except that characters from U+10000 on (lead
+// bytes F0 to F4) come before U+E000 to U+FFFF (lead bytes EE and EF):
+// ranking those two lead bytes above every other byte gives it.
+unsigned utf16Rank(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte == 0xEE || byte == 0xEF ? byte + 0x10U : byte;
+}
+
+bool inUtf16Order(std::string_view a, std::string_view b) {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                      [](char x, char y) { return utf16Rank(x) < utf16Rank(y); });
+}
+
 }  // namespace
 
 std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes) {
   // Any "bplist" prefix is claimed by the binary reader, which accepts only
-  // version 00: another version is not XML either.
+  // versions 0x: another version is not XML either.
   if (bytes.size() > kMaxPlistBytes) return std::nullopt;
   try {
     if (bytes.substr(0, kBinaryMagicPrefix.size()) == kBinaryMagicPrefix) {
@@ -63,12 +79,15 @@ std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary) 
   if (dictionary.empty()) {
     out += "<dict/>\n";
   } else {
-    // std::map orders std::string keys by unsigned byte value, which is the
-    // order of their UTF-8 bytes the file must show.
+    std::vector<const std::pair<const std::string, std::string>*> entries;
+    entries.reserve(dictionary.size());
+    for (const auto& entry : dictionary) entries.push_back(&entry);
+    std::sort(entries.begin(), entries.end(),
+              [](const auto* a, const auto* b) { return inUtf16Order(a->first, b->first); });
     out += "<dict>\n";
-    for (const auto& [key, value] : dictionary) {
-      appendElement(out, "key", key);
-      appendElement(out, "string", value);
+    for (const auto* entry : entries) {
+      appendElement(out, "key", entry->first);
+      appendElement(out, "string", entry->second);
     }
     out += "</dict>\n";
   }

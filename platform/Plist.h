@@ -40,8 +40,8 @@ inline constexpr std::size_t kMaxPlistBytes = std::size_t{16} << 20;
     std::string_view bytes);
 
 /// The XML form of a dictionary of strings, byte for byte as the phone
-/// platform writes it (declaration, DOCTYPE, tab indentation, keys in byte
-/// order, only "<", ">" and "&" escaped, "<dict/>" when empty).
+/// platform writes it (declaration, DOCTYPE, tab indentation, keys in the
+/// order of their UTF-16 code units, only "<", ">" and "&" escaped, "<dict/>" when empty).
 [[nodiscard]] std::string writeXmlPlist(const std::map<std::string, std::string>& dictionary);
 
 /// `writeXmlPlist(dictionary)` when `readPlistStringDictionary` gives that

@@ -4,6 +4,7 @@
 // file can claim any size, count, offset or reference.
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -89,7 +90,8 @@ class BinaryPlistReader {
 
   bool readTrailer() {
     const std::uint64_t size = in_.size();
-    if (size < kMagic.size() + kTrailerSize || in_.substr(0, kMagic.size()) != kMagic) {
+    // As on the platform, the version's second digit is not looked at.
+    if (size < kMagic.size() + kTrailerSize || in_.substr(0, 7) != kMagic.substr(0, 7)) {
       return false;
     }
     const std::uint64_t trailer = size - kTrailerSize;
@@ -98,12 +100,15 @@ class BinaryPlistReader {
     objectCount_ = readBigEndian(trailer + 8, 8);
     topObject_ = readBigEndian(trailer + 16, 8);
     objectsEnd_ = readBigEndian(trailer + 24, 8);
-    if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) return false;
+    // References may be wider than eight bytes, as the platform allows:
+    // only their last eight bytes count.
+    if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1) return false;
     if (objectCount_ == 0 || topObject_ >= objectCount_) return false;
     // At least one object byte after the magic, then the offset table,
-    // which must end before the trailer.
+    // which must end where the trailer starts.
     if (objectsEnd_ <= kMagic.size() || objectsEnd_ > trailer) return false;
-    return objectCount_ <= (trailer - objectsEnd_) / offsetSize_;
+    return (trailer - objectsEnd_) % offsetSize_ == 0 &&
+           objectCount_ == (trailer - objectsEnd_) / offsetSize_;
   }
 
   [[nodiscard]] std::uint64_t objectOffset(std::uint64_t index) const {
@@ -231,43 +236,51 @@ class BinaryPlistReader {
   static bool isHighSurrogate(std::uint64_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
   static bool isLowSurrogate(std::uint64_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
+  /// The code point at UTF-16 unit `i` of a string object, moving `i` past
+  /// a surrogate pair. As on the platform, an unpaired surrogate reads as
+  /// U+FFFD.
+  [[nodiscard]] std::uint32_t utf16CodePoint(const ObjectHeader& header, std::uint64_t& i) const {
+    const std::uint64_t unit = utf16Unit(header, i);
+    if (isLowSurrogate(unit)) return 0xFFFD;
+    if (!isHighSurrogate(unit)) return static_cast<std::uint32_t>(unit);
+    if (i + 1 == header.count || !isLowSurrogate(utf16Unit(header, i + 1))) return 0xFFFD;
+    ++i;
+    return static_cast<std::uint32_t>(0x10000 + ((unit - 0xD800) << 10) +
+                                      (utf16Unit(header, i) - 0xDC00));
+  }
+
   /// The length in UTF-8 of the text of an ASCII or UTF-16 string object;
-  /// nullopt when the object overruns the object area or its text is not
-  /// valid (a byte above 0x7F, an unpaired surrogate). Nothing is allocated.
+  /// nullopt when the object overruns the object area. The bytes of an
+  /// "ASCII" string read as ISO Latin-1, as on the platform, so a byte
+  /// above 0x7F takes two. Nothing is allocated.
   [[nodiscard]] std::optional<std::uint64_t> textLength(const ObjectHeader& header) const {
     if (header.type == kAsciiString) {
       if (!fits(header.content, header.count, 1)) return std::nullopt;
       const std::string_view text = in_.substr(header.content, header.count);
-      const bool ascii =
-          std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-      return ascii ? std::optional<std::uint64_t>(header.count) : std::nullopt;
+      return header.count + static_cast<std::uint64_t>(std::count_if(
+                                text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; }));
     }
     if (!fits(header.content, header.count, 2)) return std::nullopt;
     std::uint64_t length = 0;
     for (std::uint64_t i = 0; i < header.count; ++i) {
-      const std::uint64_t unit = utf16Unit(header, i);
-      if (isLowSurrogate(unit)) return std::nullopt;
-      if (isHighSurrogate(unit)) {
-        if (++i == header.count || !isLowSurrogate(utf16Unit(header, i))) return std::nullopt;
-        length += 4;
-      } else {
-        length += unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
-      }
+      const std::uint32_t codePoint = utf16CodePoint(header, i);
+      length += codePoint < 0x80 ? 1 : codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
     }
     return length;
   }
 
   /// The text of a string object that textLength found valid, as UTF-8.
   [[nodiscard]] std::string decodeString(const ObjectHeader& header) const {
-    if (header.type == kAsciiString) return std::string(in_.substr(header.content, header.count));
     std::string text(*textLength(header), '\0');
     char* out = text.data();
-    for (std::uint64_t i = 0; i < header.count; ++i) {
-      std::uint64_t codePoint = utf16Unit(header, i);
-      if (isHighSurrogate(codePoint)) {
-        codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (utf16Unit(header, ++i) - 0xDC00);
+    if (header.type == kAsciiString) {
+      for (const char c : in_.substr(header.content, header.count)) {
+        out = encodeUtf8(static_cast<unsigned char>(c), out);
       }
-      out = encodeUtf8(static_cast<std::uint32_t>(codePoint), out);
+      return text;
+    }
+    for (std::uint64_t i = 0; i < header.count; ++i) {
+      out = encodeUtf8(utf16CodePoint(header, i), out);
     }
     return text;
   }
@@ -279,8 +292,9 @@ class BinaryPlistReader {
             *readHeader(*readReference(root.content + (root.count + i) * refSize_))};
   }
 
-  /// The string entries of the (already checked) root dict; a repeated key
-  /// takes its last value and is dropped if that is not a string. One string
+  /// The string entries of the (already checked) root dict; of a repeated
+  /// key the first value counts, as on the platform (in the XML form it is
+  /// the last), and the key is dropped if that is not a string. One string
   /// object may stand under many keys and is copied under each, so the
   /// copies are sized first and refused, before any is made, when they would
   /// not fit the budget. Every key is decoded, kept or not, so its bytes are
@@ -296,12 +310,15 @@ class BinaryPlistReader {
       if (!taken) return std::nullopt;
     }
     PlistStringDictionary entries;
+    std::set<std::string> otherKinds;  // keys whose first value is no string
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      std::string name = decodeString(key);
+      if (entries.count(name) != 0 || otherKinds.count(name) != 0) continue;
       if (isStringType(value.type)) {
-        entries[decodeString(key)] = decodeString(value);
+        entries.emplace(std::move(name), decodeString(value));
       } else {
-        entries.erase(decodeString(key));
+        otherKinds.insert(std::move(name));
       }
     }
     return entries;

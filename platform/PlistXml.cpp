@@ -1,6 +1,8 @@
-// The XML form of a property list. A small, strict reader of just the XML
-// that property lists use: no DTD processing, no entities beyond the five
-// predefined ones and numeric references, exactly one <plist> root.
+// The XML form of a property list. A small reader of just the XML that
+// property lists use, taking what the platform's reader takes: no DTD
+// processing, no entities beyond the five predefined ones and numeric
+// references, one value (inside a <plist> root or alone), tags read as far
+// as their first ">", nothing read after the root.
 //
 // Text is taken byte for byte: line ends are not normalised and raw control
 // characters are kept, so that every file writeXmlPlist produces (it escapes
@@ -47,20 +49,24 @@ bool equalsIgnoringAsciiCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-std::string_view trimXmlSpace(std::string_view text) {
-  while (!text.empty() && isXmlSpace(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
+// Numbers may have blanks (as C counts them, form feed and vertical tab
+// too) before them, as the platform's reader allows, but not after.
+std::string_view skipLeadingBlanks(std::string_view text) {
+  while (!text.empty() &&
+         std::string_view(" \t\n\v\f\r").find(text.front()) != std::string_view::npos) {
+    text.remove_prefix(1);
+  }
   return text;
 }
 
 /// Decimal or 0x-prefixed hexadecimal with an optional sign, within the
 /// range a property-list integer can hold: -2^63 to 2^64-1.
 bool isPlistInteger(std::string_view text) {
-  text = trimXmlSpace(text);
+  text = skipLeadingBlanks(text);
   bool negative = false;
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
     negative = text.front() == '-';
-    text.remove_prefix(1);
+    text = skipLeadingBlanks(text.substr(1));  // an integer's sign may stand apart
   }
   std::uint64_t base = 10;
   if (text.size() > 2 && text[0] == '0' && asciiLower(text[1]) == 'x') {
@@ -89,12 +95,15 @@ std::size_t countDigits(std::string_view text, std::size_t from) {
 /// A decimal floating-point number (digits with an optional fraction and
 /// exponent, optional sign), or nan / inf / infinity in any case.
 bool isPlistReal(std::string_view text) {
-  text = trimXmlSpace(text);
-  if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
-  if (equalsIgnoringAsciiCase(text, "nan") || equalsIgnoringAsciiCase(text, "inf") ||
-      equalsIgnoringAsciiCase(text, "infinity")) {
+  // The words stand alone; only numbers may have blanks before them.
+  std::string_view word = text;
+  if (!word.empty() && (word.front() == '+' || word.front() == '-')) word.remove_prefix(1);
+  if (equalsIgnoringAsciiCase(word, "nan") || equalsIgnoringAsciiCase(word, "inf") ||
+      equalsIgnoringAsciiCase(word, "infinity")) {
     return true;
   }
+  text = skipLeadingBlanks(text);
+  if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
   std::size_t pos = countDigits(text, 0);
   std::size_t mantissaDigits = pos;
   if (pos < text.size() && text[pos] == '.') {
@@ -143,30 +152,6 @@ bool isPlistDate(std::string_view text) {
          field(17, 2) <= 59;
 }
 
-bool isBase64Letter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || isDigit(c) || c == '+' || c == '/';
-}
-
-/// Base64 with whitespace anywhere: letters, then at most two "=" that
-/// complete the last group of four. Unpadded text is accepted as long as its
-/// last group is not a single letter, which could not carry a whole byte.
-bool isPlistData(std::string_view text) {
-  std::size_t letters = 0;
-  std::size_t padding = 0;
-  for (char c : text) {
-    if (isXmlSpace(c)) continue;
-    if (c == '=') {
-      ++padding;
-    } else if (isBase64Letter(c) && padding == 0) {
-      ++letters;
-    } else {
-      return false;
-    }
-  }
-  if (letters % 4 == 1 || padding > 2) return false;
-  return padding == 0 || (letters + padding) % 4 == 0;
-}
-
 struct Tag {
   std::string_view name;
   bool isEnd = false;    // </name>
@@ -180,18 +165,23 @@ class XmlPlistReader {
   std::optional<PlistStringDictionary> read() {
     constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
     if (startsWith(kUtf8Bom)) pos_ = kUtf8Bom.size();
-    if (!isValidUtf8(in_.substr(pos_)) || !readProlog()) return std::nullopt;
+    if (!readProlog()) return std::nullopt;
 
+    // The value stands inside <plist>, or alone; as on the platform,
+    // nothing after it is read.
     std::optional<Tag> root = readTag();
-    if (!root || root->isEnd || root->isEmpty || root->name != "plist") return std::nullopt;
-    std::optional<Tag> value = readChildTag();
+    if (!root || root->isEnd) return std::nullopt;
+    const bool wrapped = root->name == "plist";
+    if (wrapped && root->isEmpty) return std::nullopt;
+    std::optional<Tag> value = wrapped ? readChildTag() : root;
     // A root of another kind is well-formed but not a dictionary.
     if (!value || value->isEnd || value->name != "dict") return std::nullopt;
     PlistStringDictionary entries;
     if (!readDict(*value, 1, &entries)) return std::nullopt;
-    std::optional<Tag> rootEnd = readChildTag();
-    if (!rootEnd || !rootEnd->isEnd || rootEnd->name != "plist") return std::nullopt;
-    if (!skipMisc() || pos_ != in_.size()) return std::nullopt;
+    if (wrapped) {
+      std::optional<Tag> rootEnd = readChildTag();
+      if (!rootEnd || !rootEnd->isEnd || rootEnd->name != "plist") return std::nullopt;
+    }
     return entries;
   }
 
@@ -223,52 +213,48 @@ class XmlPlistReader {
   }
 
   /// The XML declaration, then whitespace, comments, processing
-  /// instructions and at most one DOCTYPE, up to the root's "<".
+  /// instructions and DOCTYPEs, up to the root's "<".
   bool readProlog() {
     if (startsWith("<?xml") && pos_ + 5 < in_.size() && isXmlSpace(in_[pos_ + 5])) {
       pos_ += 5;
       if (!readXmlDeclaration()) return false;
     }
-    bool sawDoctype = false;
     while (true) {
       if (!skipMisc()) return false;
       if (!startsWith("<!DOCTYPE")) break;
-      if (sawDoctype || !skipDoctype()) return false;
-      sawDoctype = true;
+      if (!skipDoctype()) return false;
     }
     return !atEnd();
   }
 
+  /// The rest of the declaration, whose attributes are not checked, as on
+  /// the platform; only a declared encoding other than UTF-8 is refused.
   bool readXmlDeclaration() {
-    std::string_view encoding = "UTF-8";
-    if (!readAttributes(&encoding) || !consume("?>")) return false;
-    return equalsIgnoringAsciiCase(encoding, "UTF-8");
+    const std::size_t end = in_.find("?>", pos_);
+    if (end == std::string_view::npos) return false;
+    const std::string_view declaration = in_.substr(pos_, end - pos_);
+    pos_ = end + 2;
+    const std::size_t name = declaration.find("encoding");
+    if (name == std::string_view::npos) return true;
+    std::string_view rest = skipLeadingBlanks(declaration.substr(name + 8));
+    if (rest.empty() || rest.front() != '=') return true;
+    rest = skipLeadingBlanks(rest.substr(1));
+    if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return true;
+    const std::size_t close = rest.find(rest.front(), 1);
+    return close != std::string_view::npos &&
+           equalsIgnoringAsciiCase(rest.substr(1, close - 1), "UTF-8");
   }
 
-  /// Skips "<!DOCTYPE ...>", including an internal subset in brackets;
-  /// nothing declared there is used, so entities it defines stay unknown.
+  /// Skips "<!DOCTYPE ...>" up to its first ">". As on the platform, an
+  /// internal subset ("[" before that ">") is an error.
   bool skipDoctype() {
-    pos_ += std::string_view("<!DOCTYPE").size();
-    char quote = 0;
-    bool inSubset = false;
-    while (!atEnd()) {
-      const char c = in_[pos_++];
-      if (quote != 0) {
-        if (c == quote) quote = 0;
-      } else if (c == '"' || c == '\'') {
-        quote = c;
-      } else if (inSubset && c == '<' && startsWith("!--")) {
-        --pos_;
-        if (!skipComment()) return false;
-      } else if (c == '[') {
-        inSubset = true;
-      } else if (c == ']') {
-        inSubset = false;
-      } else if (c == '>' && !inSubset) {
-        return true;
-      }
+    const std::size_t close = in_.find('>', pos_);
+    if (close == std::string_view::npos ||
+        in_.substr(pos_, close - pos_).find('[') != std::string_view::npos) {
+      return false;
     }
-    return false;
+    pos_ = close + 1;
+    return true;
   }
 
   /// Whitespace, comments and processing instructions, as may stand
@@ -294,72 +280,37 @@ class XmlPlistReader {
   }
 
   bool skipProcessingInstruction() {
+    // Neither the target nor the rest is looked at, as on the platform.
     pos_ += 2;
-    std::string_view target;
-    // The target "xml" is reserved for the declaration at the very start.
-    if (!readName(&target) || equalsIgnoringAsciiCase(target, "xml")) return false;
     return skipPast("?>");
   }
 
-  bool readName(std::string_view* name) {
-    const std::size_t start = pos_;
-    while (!atEnd()) {
-      const char c = peek();
-      if (isXmlSpace(c) || c == '/' || c == '>' || c == '<' || c == '=' || c == '?' || c == '&' ||
-          c == '"' || c == '\'') {
-        break;
-      }
-      ++pos_;
-    }
-    *name = in_.substr(start, pos_ - start);
-    return !name->empty() && !isDigit(name->front()) && name->front() != '-' &&
-           name->front() != '.';
-  }
-
-  /// Attributes up to, not including, the ">", "/>" or "?>" that ends the
-  /// tag. Values are checked but not expanded; `encoding`, when given,
-  /// receives the raw value of an "encoding" attribute.
-  bool readAttributes(std::string_view* encoding) {
-    while (true) {
-      const bool spaced = skipSpace();
-      if (atEnd()) return false;
-      if (peek() == '>' || startsWith("/>") || startsWith("?>")) return true;
-      std::string_view name;
-      if (!spaced || !readName(&name)) return false;
-      skipSpace();
-      if (!consume("=")) return false;
-      skipSpace();
-      if (atEnd() || (peek() != '"' && peek() != '\'')) return false;
-      const char quote = in_[pos_++];
-      const std::size_t start = pos_;
-      std::string scratch;
-      while (!atEnd() && peek() != quote) {
-        if (peek() == '<') return false;
-        if (peek() == '&') {
-          if (!readReference(&scratch)) return false;
-        } else {
-          ++pos_;
-        }
-      }
-      if (atEnd()) return false;
-      if (encoding != nullptr && name == "encoding") *encoding = in_.substr(start, pos_ - start);
-      ++pos_;
-    }
-  }
-
-  /// A start tag (with any attributes) or an end tag, at its "<".
+  /// A start tag or an end tag, at its "<". As on the platform, whatever
+  /// follows a start tag's name up to the first ">" is passed over
+  /// unread (attributes are neither checked nor used, quotes do not hide a
+  /// ">"), and a "/" just before that ">" makes the element empty.
   std::optional<Tag> readTag() {
     Tag tag;
     if (!consume("<")) return std::nullopt;
     tag.isEnd = consume("/");
-    if (!readName(&tag.name)) return std::nullopt;
+    // The name runs to the first blank, "/" or ">", whatever it holds.
+    const std::size_t nameStart = pos_;
+    while (!atEnd() && !isXmlSpace(peek()) && peek() != '/' && peek() != '>') ++pos_;
+    tag.name = in_.substr(nameStart, pos_ - nameStart);
+    if (tag.name.empty()) return std::nullopt;
     if (tag.isEnd) {
       skipSpace();
-    } else if (!readAttributes(nullptr)) {
-      return std::nullopt;
+      if (!consume(">")) return std::nullopt;
+      return tag;
     }
-    tag.isEmpty = !tag.isEnd && consume("/");
-    if (!consume(">")) return std::nullopt;
+    if (consume("/")) {
+      tag.isEmpty = true;
+      return consume(">") ? std::optional<Tag>(tag) : std::nullopt;
+    }
+    const std::size_t close = in_.find('>', pos_);
+    if (close == std::string_view::npos) return std::nullopt;
+    tag.isEmpty = in_[close - 1] == '/';
+    pos_ = close + 1;
     return tag;
   }
 
@@ -392,11 +343,11 @@ class XmlPlistReader {
     return true;
   }
 
-  /// "123" or "x7B" (after the "#"): a Unicode scalar value other than NUL.
+  /// "123" or "x7B" (after the "#"): a Unicode scalar value. As on the
+  /// platform, no digits at all ("&#;") stand for NUL, as "&#0;" does.
   static bool appendCharacterReference(std::string_view digits, std::string* out) {
     const bool hex = !digits.empty() && digits.front() == 'x';
     if (hex) digits.remove_prefix(1);
-    if (digits.empty()) return false;
     char32_t value = 0;
     for (char c : digits) {
       const int digit = hex ? hexDigitValue(c) : (isDigit(c) ? c - '0' : -1);
@@ -404,13 +355,14 @@ class XmlPlistReader {
       value = value * (hex ? 16 : 10) + static_cast<char32_t>(digit);
       if (value > 0x10FFFF) return false;
     }
-    if (value == 0 || (value >= 0xD800 && value <= 0xDFFF)) return false;
+    if (value >= 0xD800 && value <= 0xDFFF) return false;
     appendUtf8(*out, value);
     return true;
   }
 
-  /// Character data, CDATA sections and references up to the next end tag;
-  /// comments and processing instructions in between are dropped.
+  /// Character data, CDATA sections and references up to the next end tag.
+  /// A comment or processing instruction there is an error, as on the
+  /// platform.
   bool readText(std::string* out) {
     while (!atEnd()) {
       if (peek() == '&') {
@@ -426,21 +378,19 @@ class XmlPlistReader {
         if (end == std::string_view::npos) return false;
         out->append(in_.substr(pos_, end - pos_));
         pos_ = end + 3;
-      } else if (startsWith("<!--")) {
-        if (!skipComment()) return false;
-      } else if (startsWith("<?")) {
-        if (!skipProcessingInstruction()) return false;
       } else {
-        return false;  // an element where only text may be
+        return false;  // an element, comment or instruction where only text may be
       }
     }
     return false;
   }
 
-  /// The text of a leaf element whose start tag has been read.
+  /// The text of a leaf element whose start tag has been read. It must be
+  /// UTF-8; elsewhere (in tags, comments, after the root) any bytes pass, as
+  /// on the platform.
   bool readLeafText(const Tag& tag, std::string* text) {
     if (tag.isEmpty) return true;
-    return readText(text) && readEndTag(tag.name);
+    return readText(text) && isValidUtf8(*text) && readEndTag(tag.name);
   }
 
   /// One value whose start tag has been read. `depth` is the nesting level
@@ -452,6 +402,15 @@ class XmlPlistReader {
       if (depth > kPlistMaxDepth) return false;
       return tag.name == "dict" ? readDict(tag, depth, nullptr) : readArray(tag, depth);
     }
+    if (tag.name == "data") {
+      // The platform decodes data leniently and never refuses it, nor does
+      // it look for references there.
+      if (tag.isEmpty) return true;
+      const std::size_t end = in_.find('<', pos_);
+      if (end == std::string_view::npos || !isValidUtf8(in_.substr(pos_, end - pos_))) return false;
+      pos_ = end;
+      return readEndTag("data");
+    }
     std::string text;
     if (!readLeafText(tag, &text)) return false;
     if (tag.name == "string") {
@@ -462,7 +421,6 @@ class XmlPlistReader {
     if (tag.name == "integer") return isPlistInteger(text);
     if (tag.name == "real") return isPlistReal(text);
     if (tag.name == "date") return isPlistDate(text);
-    if (tag.name == "data") return isPlistData(text);
     return false;
   }
 

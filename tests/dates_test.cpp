@@ -19,7 +19,7 @@ using tavuro::platform::base64Encode;
 
 TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
   // The fuzz target's model judges many more (its corpus); these pin dates.
-  // An empty expectation means "the argument comes back unchanged".
+  // No expectation means "the argument comes back unchanged".
   const std::pair<const char*, const char*> cases[] = {
       {"/Date(1234567890000)/", "02-13-2009"},
       {"/Date(1609459199999)/", "12-31-2020"},  // 999 ms never carry over
@@ -27,14 +27,15 @@ TEST(Utils, DateFieldToDateStringConvertsOrReturnsTheArgument) {
       {"-1500", "12-31-1969"},
       {"DateDate(5000)", "01-01-1970"},
       {"12/25/2020", "01-01-1970"},
-      {"9223372036854775807", "12-20-5828963"},   // int64 max, pinned
-      {"-9223372036854775808", "09-20-5838270"},  // int64 min, pinned
-      {"/Date(1234567890000-0500)/", ""},
-      {"DaDatete(5)", ""},  // the word's removal does not run again
-      {"9223372036854775808", ""},
+      {"9223372036854775807", ""},  // beyond the calendar's range: nothing
+      {"-9223372036854775808", ""},
+      {"/Date(1234567890000-0500)/", nullptr},
+      {"DaDatete(5)", nullptr},  // the word's removal does not run again
+      {"9223372036854775808", nullptr},
   };
   for (const auto& [field, expected] : cases) {
-    EXPECT_EQ(Utils::dateFieldToDateString(std::string(field)), *expected ? expected : field)
+    EXPECT_EQ(Utils::dateFieldToDateString(std::string(field)),
+              expected != nullptr ? expected : field)
         << field;
   }
 }
@@ -56,6 +57,11 @@ TEST(DateFormat, FollowsTheCalendarEdges) {
       {951782400, "02-29-2000"},
       {4107542400, "03-01-2100"},  // 2100 is no Gregorian leap year
       {253402300800, "01-01-10000"},
+      {183882168921600, "12-20-5828963"},  // the calendar's last day...
+      {183882168921601, ""},               // ...and nothing after it
+      {-184303902528000, "09-20-5838270"},
+      {-184303902528001, ""},
+      {INT64_MAX / 1000, ""},
   };
   for (const auto& [seconds, expected] : cases) {
     EXPECT_EQ(tavuro::platform::formatDateMMddyyyyGMT(seconds), expected) << seconds;
@@ -77,7 +83,14 @@ TEST(Base64, DecodesLeniently) {
     const char* text;
     std::optional<std::string> bytes;
   } cases[] = {
-      {"Zm9vYmE", "fooba"},  // padding is optional
+      {"Zm9vYmE=", "fooba"},
+      {"Zm9vYmE", std::nullopt},  // a last group of two or three needs its padding
+      {"AA=", std::nullopt},
+      {"AA=!=AAAA", std::string(1, '\0')},  // skipped characters may split it
+      {"AAAA=A", std::nullopt},             // no data after whole groups' "="
+      {"==", std::nullopt},
+      {"_", std::nullopt},  // neither data nor "=": the length must divide by four
+      {"____", ""},
       {"AAAAA", std::nullopt},
       {"AA==AAAA", std::string(1, '\0')},  // nothing after the first "=" counts
       {"Zh==", "f"},                       // leftover bits of the last character are ignored

@@ -37,21 +37,21 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
     Dict expected;
   } cases[] = {
       {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-8' standalone=\"yes\"?>\n<!-- c -->"
-       "<?app x?><!DOCTYPE plist PUBLIC \"-//X//EN\" \"x.dtd\" [<!ENTITY e \"]>\"><!-- ] -->]>"
+       "<?app x?><!DOCTYPE plist PUBLIC \"-//X//EN\" \"x.dtd\"><!DOCTYPE plist>"
        "\n<plist version=\"1.0\">\n\t<dict>\n<!--x--><key>a</key> <string>b</string></dict>"
        "<!-- after --></plist>\n<?end?>  ",
        {{"a", "b"}}},
       {plist("<dict><key>&lt;&gt;&amp;&apos;&quot;</key><string>&#65;&#x42;&#x1F600;&#xe9;"
              "</string></dict>"),
        {{"<>&'\"", "AB\xF0\x9F\x98\x80\xC3\xA9"}}},
-      {plist("<dict><key><![CDATA[<k>]]></key><string>a<![CDATA[&amp;]]>b<!--x-->c</string>"
+      {plist("<dict><key><![CDATA[<k>]]></key><string>a<![CDATA[&amp;]]>bc</string>"
              "</dict>"),
        {{"<k>", "a&amp;bc"}}},
       {plist("<dict><key/><string/><key>e</key><string></string><key>s</key><string> \r\n\x01"
              "\t</string></dict>"),
        {{"", ""}, {"e", ""}, {"s", " \r\n\x01\t"}}},
       {plist("<dict><key>i</key><integer>-9223372036854775808</integer><key>u</key><integer>"
-             "18446744073709551615</integer><key>h</key><integer> 0x1F </integer><key>r</key>"
+             "18446744073709551615</integer><key>h</key><integer> 0x1F</integer><key>r</key>"
              "<real>-1.5e+3</real><key>n</key><real>nan</real><key>t</key><true/><key>f</key>"
              "<false></false><key>d</key><date>2024-02-29T23:59:59Z</date><key>b</key><data>"
              "\n\tAAEC\n\tAw==\n</data><key>a</key><array><string>x</string><dict/></array>"
@@ -62,6 +62,10 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
              "<key>b</key><string>1</string><key>b</key><integer>2</integer></dict>"),
        {{"a", "2"}}},
       {plist("<dict/>"), {}},
+      // As the platform reads them: a bare root, tags read to their first
+      // ">", nothing after the root, "&#0;" and "&#;" as NUL.
+      {"<dict><key>a</key><string>&#0;&#;</string></dict>text", {{"a", "\0\0"s}}},
+      {"<plist version=1.0><dict/></plist><plist/><?xml version=\"1.0\"?>", {}},
       {plist("<dict><key>k</key>" + nested("array", 127) + "</dict>"), {}},
       {plist(nested("dict", 128)), {}},
   };
@@ -71,35 +75,44 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
 }
 
 TEST(PlistXml, RejectsMalformedLists) {
-  // Whole documents ("<!-->" opens a comment, no more; UTF-16 is not read)...
-  std::vector<std::string> rejected{
+  const std::string rejected[] = {
       "",
       "   ",
       "<?xml version=\"1.0\"?>",
-      "<dict></dict>",
+      plist("<array></array>"),
+      plist("<string>a</string>"),
       "<plist/>",
-      "<!--><plist><dict/></plist>",
-      "<!DOCTYPE plist><!DOCTYPE plist><plist><dict/></plist>",
+      plist("<dict/><dict/>"),
+      plist("<dict>"),
+      plist("<dict><key>a</key><string>b</key></dict>"),
+      plist("<dict><key>a</key></dict>"),
+      plist("<dict><string>b</string></dict>"),
+      plist("<dict><key>a</key><string>b</string>stray</dict>"),
+      plist("<dict><key>a</key><string>b<b/></string></dict>"),
+      plist("<dict><key>a</key><foo/></dict>"),
+      plist("<dict><key>a</key><key>b</key></dict>"),
+      plist("<dict><key>a</key><string>&nbsp;</string></dict>"),
+      plist("<dict><key>a</key><string>&amp</string></dict>"),
+      plist("<dict><key>a</key><string>&#xD800;</string></dict>"),
+      plist("<dict><key>a</key><string>&#x110000;</string></dict>"),
+      plist("<dict><key>a</key><string><![CDATA[x</string></dict>"),
+      plist("<dict><key>a</key><string>\xC3</string></dict>"),
+      plist("<dict><key>a</key><string>\xED\xA0\x80</string></dict>"),
+      plist("<dict><!-- open </dict>"),
+      "<!--><plist><dict/></plist>",  // "<!-->" opens a comment, no more
+      plist("<dict><key>a</key><string>x<!--->y</string></dict>"),
+      "\xFF\xFE<\0p\0"s,
       "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>",
-      "<plist><dict/></plist><?xml version=\"1.0\"?>",
-      "<plist version=1.0><dict/></plist>"};
-  rejected.insert(rejected.end(),
-                  {"\xFF\xFE<\0p\0"s, plist("<dict/>") + "text", plist("<dict/>") + "<plist/>"});
-  // ...what the plist element holds...
-  for (const std::string& root : std::vector<std::string>{
-           "<array></array>", "<string>a</string>", "<dict/><dict/>", "<dict>",
-           "<dict><!-- open </dict>", "<dict><string>b</string></dict>", nested("dict", 129)}) {
-    rejected.push_back(plist(root));
-  }
-  // ...and what follows a key.
-  for (const std::string& value : std::vector<std::string>{
-           "<string>b</key>", "", "<string>b</string>stray", "<string>b<b/></string>", "<foo/>",
-           "<key>b</key>", "<string>&nbsp;</string>", "<string>&amp</string>",
-           "<string>&#0;</string>", "<string>&#xD800;</string>", "<string>&#x110000;</string>",
-           "<string><![CDATA[x</string>", "<string>\xC3</string>", "<string>\xED\xA0\x80</string>",
-           "<string>x<!--->y</string>", nested("array", 128)}) {
-    rejected.push_back(plist("<dict><key>a</key>" + value + "</dict>"));
-  }
+      plist("<dict><key>k</key>" + nested("array", 128) + "</dict>"),
+      plist(nested("dict", 129)),
+      plist("<dict><key>a</key><string>x<!--c-->y</string></dict>"),  // no comment in text
+      plist("<dict><key>a</key><string>x<?pi?>y</string></dict>"),
+      plist("<dict><key>a</key><integer>1 </integer></dict>"),  // blanks only before a number
+      plist("<dict><key>a</key><real> inf</real></dict>"),
+      "<plist/version=\"1.0\"><dict/></plist>",
+      "<plist version=\"1>0\"><dict/></plist>",  // quotes do not hide a ">"
+      "<!DOCTYPE plist [<!ENTITY e \"x\">]><plist><dict/></plist>",
+  };
   for (const auto& input : rejected) {
     EXPECT_EQ(readPlistStringDictionary(input), std::nullopt) << input;
   }
@@ -108,30 +121,45 @@ TEST(PlistXml, RejectsMalformedLists) {
 TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
   const struct {
     const char* element;
-    std::vector<std::string> valid, invalid;
+    const char* text;
+    bool valid;
   } cases[] = {
-      {"integer",
-       {"+0", "-0X7fffFFFFffffFFFF"},
-       {"18446744073709551616", "-9223372036854775809", "1 2", "0x", ""}},
-      {"real", {"1.", ".5E-7", "-Infinity"}, {"1e", ".", "1.2.3", "0x10"}},
-      {"date",
-       {"2000-02-29T00:00:00Z", "2021-01-31T23:59:59Z"},
-       {"1900-02-29T00:00:00Z", "2021-04-31T00:00:00Z", "2021-13-01T00:00:00Z",
-        "2021-01-01T24:00:00Z", "2021-01-01T00:00:60Z", "2021-01-01 00:00:00Z",
-        "2021-01-01T00:00:00"}},
-      {"data", {"", "QUJD RA=\n=", "QUJDRA", "az+/"}, {"QUJDR", "QU=JD", "QUJD====", "QU*J"}},
-      {"true", {""}, {"x"}},
+      {"integer", "+0", true},
+      {"integer", "\f- 7", true},  // blanks before the number and after its sign
+      {"real", "- 1", false},
+      {"integer", "-0X7fffFFFFffffFFFF", true},
+      {"integer", "18446744073709551616", false},
+      {"integer", "-9223372036854775809", false},
+      {"integer", "1 2", false},
+      {"integer", "0x", false},
+      {"integer", "", false},
+      {"real", "1.", true},
+      {"real", ".5E-7", true},
+      {"real", "-Infinity", true},
+      {"real", "1e", false},
+      {"real", ".", false},
+      {"real", "1.2.3", false},
+      {"real", "0x10", false},
+      {"date", "2000-02-29T00:00:00Z", true},
+      {"date", "1900-02-29T00:00:00Z", false},
+      {"date", "2021-04-31T00:00:00Z", false},
+      {"date", "2021-13-01T00:00:00Z", false},
+      {"date", "2021-01-01T24:00:00Z", false},
+      {"date", "2021-01-01T00:00:60Z", false},
+      {"date", "2021-01-01 00:00:00Z", false},
+      {"date", "2021-01-01T00:00:00", false},
+      {"data", "", true},
+      {"data", "QUJD RA=\n=", true},
+      {"data", "QUJDRA", true},
+      {"data", "QU*J=", true},  // never refused, as on the platform
+      {"data", "\xFF", false},  // but UTF-8
+      {"true", "", true},
+      {"true", "x", false},
   };
   for (const auto& c : cases) {
-    for (const bool valid : {true, false}) {
-      for (const std::string& text : valid ? c.valid : c.invalid) {
-        const std::string value =
-            std::string("<") + c.element + ">" + text + "</" + c.element + ">";
-        const auto result =
-            readPlistStringDictionary(plist("<dict><key>k</key>" + value + "</dict>"));
-        EXPECT_EQ(result.has_value(), valid) << value;
-      }
-    }
+    const std::string value = std::string("<") + c.element + ">" + c.text + "</" + c.element + ">";
+    const auto result = readPlistStringDictionary(plist("<dict><key>k</key>" + value + "</dict>"));
+    EXPECT_EQ(result.has_value(), c.valid) << value;
   }
 }
 
@@ -209,19 +237,37 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
                             {"", ""}});
   }
   {
-    // Wide references and offsets; a dict holding other kinds, and a key
-    // given twice, the last time with something other than a string.
     Bplist b;
     b.refSize = 2;
     b.offsetSize = 3;
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
+    for (const std::string& scalar :
+         {"\x00"s, "\x08"s, "\x09"s, "\x0F"s, "\x10\x01"s, "\x11\x01\x02"s, "\x12\0\0\0\1"s,
+          "\x13\0\0\0\0\0\0\0\1"s, "\x22\0\0\0\0"s, "\x23\0\0\0\0\0\0\0\0"s,
+          "\x33\0\0\0\0\0\0\0\0"s, "\x42zz"s, "\x80\x01"s, "\x83\0\0\0\1"s}) {
+      const auto key = b.ascii(std::to_string(entries.size()));
+      entries.emplace_back(key, b.add(scalar));
+    }
+    entries.emplace_back(b.ascii("big"), b.add("\x14" + std::string(16, '\xFF')));
     const auto inner = b.dict({{b.ascii("x"), b.ascii("y")}});
-    cases.emplace_back(b.build(b.dict({{b.ascii("n"), b.add("\x10\x01")},
-                                       {b.ascii("set"), b.container(0xC, {inner})},
-                                       {b.ascii("dup"), b.ascii("first")},
-                                       {b.ascii("dup"), b.ascii("last")},
-                                       {b.ascii("gone"), b.ascii("string")},
-                                       {b.ascii("gone"), inner}})),
-                       Dict{{"dup", "last"}});
+    entries.emplace_back(b.ascii("set"), b.container(0xC, {inner, b.container(0xA, {})}));
+    entries.emplace_back(b.ascii("dup"), b.ascii("first"));
+    entries.emplace_back(b.ascii("dup"), b.ascii("last"));
+    entries.emplace_back(b.ascii("gone"), b.ascii("string"));
+    entries.emplace_back(b.ascii("gone"), inner);
+    cases.emplace_back(b.build(b.dict(entries)), Dict{{"dup", "first"}, {"gone", "string"}});
+  }
+  {
+    // As the platform reads them: "ASCII" strings as ISO Latin-1, unpaired
+    // surrogates as U+FFFD, any version 0x.
+    Bplist b;
+    Dict expected{{"\xC2\x80\xC3\xBF",
+                   "\xEF\xBF\xBD"
+                   "A\xEF\xBF\xBD\xEF\xBF\xBD"}};
+    std::string input =
+        b.build(b.dict({{b.ascii("\x80\xFF"), b.utf16({0xD800, 0x41, 0xDC00, 0xD800})}}));
+    cases.emplace_back(input, expected);
+    cases.emplace_back(input.replace(6, 2, "0x"), expected);
   }
   {
     // 128 levels are allowed, and a diamond-shaped graph of shared
@@ -248,22 +294,15 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
     Bplist c;
     return c.build(fill(c));
   };
-  const auto withKey = [](const std::string& bytes) {
-    Bplist c;
-    return c.build(c.dict({{c.add(bytes), c.ascii("v")}}));
-  };
-  const auto withValue = [](const std::string& bytes) {
-    Bplist c;
-    return c.build(c.dict({{c.ascii("k"), c.add(bytes)}}));
-  };
   const std::string hostile[] = {
       good.substr(0, good.size() - 1),
       good.substr(0, 39),
-      "bplist01" + good.substr(8),
-      patched(good, 26, std::string(1, '\0')),    // offset size 0
-      patched(good, 26, "\x09"),                  // offset size 9
-      patched(good, 25, std::string(1, '\0')),    // reference size 0
-      patched(good, 24, std::string(8, '\xFF')),  // object count
+      "bplist10" + good.substr(8),
+      good.substr(0, good.size() - 32) + "\0"s + good.substr(good.size() - 32),  // a gap
+      patched(good, 26, std::string(1, '\0')),                                   // offset size 0
+      patched(good, 26, "\x09"),                                                 // offset size 9
+      patched(good, 25, std::string(1, '\0')),                                   // reference size 0
+      patched(good, 24, std::string(8, '\xFF')),                                 // object count
       patched(good, 24, std::string(8, '\0')),
       patched(good, 16, Bplist::bigEndian(3, 8)),           // top object
       patched(good, 8, Bplist::bigEndian(good.size(), 8)),  // offset table
@@ -271,7 +310,9 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
       patched(good, 34, "\x00"s),  // an object offset inside the header
       patched(good, 34, "\x12"),   // an object offset inside the trailer
       build([](Bplist& c) { return c.container(0xA, {c.ascii("array root")}); }),
-      withKey("\x10\x01"),  // keys are strings
+      build([](Bplist& c) {
+        return c.dict({{c.add("\x10\x01"), c.ascii("v")}});
+      }),
       build([](Bplist& c) {
         const auto inner = c.dict({{c.add(std::string(1, '\0')), c.ascii("v")}});
         return c.dict({{c.ascii("k"), inner}});
@@ -288,18 +329,30 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
       build([](Bplist& c) {
         return c.dict({{c.ascii("k"), 9}});
       }),
-      withKey("\x61\xD8\x00"s),  // UTF-16 with a lone, reversed or unpaired surrogate
-      withKey("\x62\xDC\x00\xD8\x00"s),
-      withKey("\x62\xD8\x00\x00\x41"s),
-      withKey("\x51\x80"),  // ASCII beyond 0x7F
-      withValue(Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v"),
-      withValue(Bplist::marker(0xA, UINT64_MAX) + "v"),
-      withValue("\x4F\x14" + std::string(8, 'x')),
-      withValue("\x15"),
-      withValue("\x21\0\0"s),
-      withValue("\x32\0\0\0\0"s),
-      withValue("\x70"),
-      withValue("\x13\0"s),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add(Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v")}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add(Bplist::marker(0xA, UINT64_MAX) + "v")}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x4F\x14" + std::string(8, 'x'))}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x15")}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x21\0\0"s)}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x32\0\0\0\0"s)}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x70")}});
+      }),
+      build([](Bplist& c) {
+        return c.dict({{c.ascii("k"), c.add("\x13\0"s)}});
+      }),
       build([](Bplist& c) {
         // One long string under many keys would expand the file 100-fold.
         c.offsetSize = 2;
@@ -334,6 +387,54 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
   for (std::size_t i = 0; i < std::size(hostile); ++i) {
     EXPECT_EQ(readPlistStringDictionary(hostile[i]), std::nullopt) << "case " << i;
   }
+}
+
+TEST(PlistBinary, CopiesSharedStringsToAtMostSixTimesTheFile) {
+  // One string object of about 1 MB under `keys` keys is copied under each;
+  // in UTF-16 (U+4E00 throughout) each copy, as UTF-8, is half again as large.
+  const struct {
+    bool utf16;
+    int keys;
+    bool loads;
+  } cases[] = {
+      {false, 6, true}, {false, 7, false}, {false, 63, false}, {true, 4, true}, {true, 5, false}};
+  constexpr std::size_t kBytes = 1 << 20;
+  for (const auto& c : cases) {
+    Bplist b;
+    b.offsetSize = 4;
+    std::string text;
+    for (std::size_t i = 0; i < kBytes / 2; ++i) text += c.utf16 ? "\xE4\xB8\x80" : "xx";
+    const auto shared =
+        c.utf16 ? b.utf16(std::vector<std::uint16_t>(kBytes / 2, 0x4E00)) : b.ascii(text);
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
+    Dict expected;
+    for (int i = 0; i < c.keys; ++i) {
+      entries.emplace_back(b.ascii(std::to_string(i)), shared);
+      expected[std::to_string(i)] = text;
+    }
+    const auto result = readPlistStringDictionary(b.build(b.dict(entries)));
+    // Compared whole, so that a failure does not print megabytes.
+    EXPECT_TRUE(result == (c.loads ? std::optional<Dict>(expected) : std::nullopt))
+        << c.keys << (c.utf16 ? " keys, UTF-16" : " keys, ASCII");
+  }
+}
+
+TEST(PlistWriter, WritesThePhoneLayoutByteForByte) {
+  const std::string header =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST "
+      "1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">\n";
+  EXPECT_EQ(writeXmlPlist({}), header + "<dict/>\n</plist>\n");
+  EXPECT_EQ(
+      writeXmlPlist({{"b", ""}, {"\xC3\xA9", "\xF0\x9F\x98\x80"}, {"B", "<a&b>'\"\r"}, {"", "x"}}),
+      header +
+          "<dict>\n\t<key></key>\n\t<string>x</string>\n\t<key>B</key>\n\t<string>&lt;a&amp;b"
+          "&gt;'\"\r</string>\n\t<key>b</key>\n\t<string></string>\n\t<key>\xC3\xA9</key>\n"
+          "\t<string>\xF0\x9F\x98\x80</string>\n</dict>\n</plist>\n");
+  // Keys go in UTF-16 order: U+1F600 before U+FFFD.
+  EXPECT_EQ(writeXmlPlist({{"\xEF\xBF\xBD", "1"}, {"\xF0\x9F\x98\x80", "2"}}),
+            header +
+                "<dict>\n\t<key>\xF0\x9F\x98\x80</key>\n\t<string>2</string>\n\t<key>"
+                "\xEF\xBF\xBD</key>\n\t<string>1</string>\n</dict>\n</plist>\n");
 }
 
 TEST(PlistWriter, WrittenListsReadBackUnchanged) {

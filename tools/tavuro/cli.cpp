@@ -163,7 +163,7 @@ namespace {
 constexpr std::int64_t kSecondsPerDay = 86400;
 
 // "yyyy-MM-dd" + separator + "HH:mm:ss" in the library's calendar; empty
-// beyond the range it shows (it would pin the date to the nearest end).
+// beyond the range the calendar shows.
 std::string calendarText(std::int64_t seconds, char separator) {
   if (seconds < platform::kEarliestFormattedSeconds ||
       seconds > platform::kLatestFormattedSeconds) {

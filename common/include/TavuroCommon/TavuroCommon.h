@@ -743,7 +743,8 @@ class TAVURO_EXPORT Utils {
   /// from then on, so /Date(-12219292801000)/ gives "10-04-1582". The year is
   /// the year of era with at least four digits ("0044" for 44 BC, which has
   /// no era mark). Instants are shown from 09-20-5838270 BC to 12-20-5828963;
-  /// one beyond either end is shown as that end.
+  /// one beyond either end gives the empty text, as the platform's formatter
+  /// (which is not lenient) does.
   [[nodiscard]] static std::optional<std::string> dateFieldToDateString(
       const std::optional<std::string>& dateStr);
 
