@@ -77,7 +77,8 @@ char* putYear(char* out, std::int64_t year) {
 }  // namespace
 
 std::string formatDateMMddyyyyGMT(std::int64_t secondsSinceEpoch) {
-  if (secondsSinceEpoch < kEarliestFormattedSeconds || secondsSinceEpoch > kLatestFormattedSeconds) {
+  if (secondsSinceEpoch < kEarliestFormattedSeconds ||
+      secondsSinceEpoch > kLatestFormattedSeconds) {
     return {};
   }
   const std::int64_t seconds = secondsSinceEpoch;
