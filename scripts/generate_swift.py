@@ -35,7 +35,7 @@ CLASS_DOCS = {
     "Credential": "The process-wide credential store. It loads `TavuroConfig.plist` from the resource directory once, "
                   "on the first call of any of its operations, and every setter rewrites that file. The store is "
                   "meant to be set from one thread at a time, before work spreads over threads.\n\n"
-                  "Where the resource directory is: on Apple platforms the app's main bundle (`Bundle.main`), "
+                  "Where the resource directory is: on the phone the app's main bundle (`Bundle.main`), "
                   "which this module names before the store's first use unless the host called "
                   "`setResourceDirectory(directory:)` or set `TAVURO_RESOURCE_PATH`; elsewhere the directory "
                   "named with `setResourceDirectory(directory:)`, else the environment variable "
@@ -143,7 +143,7 @@ DOCS = {
     "Utils.SDK_VERSION_CODE": "The kit's version text (\"11.4.10\" at first); any text is stored unchanged.",
     "setResourceDirectory": "Names the directory that stands for the app's resource bundle (where "
                             "\"TavuroConfig.plist\" lies). Call it before the first use of `Credential`; later calls "
-                            "do not reload the store. Without it: on Apple platforms the app's main bundle; "
+                            "do not reload the store. Without it: on the phone the app's main bundle; "
                             "elsewhere `TAVURO_RESOURCE_PATH`, else the directory of the running executable.",
     "resourceDirectory": "The resource directory in force now (\"\" when none can be found).",
 }

@@ -52,8 +52,8 @@ open class TavuroInitializer: ITavuroInitializer {
 /// once, on the first call of any of its operations, and every setter rewrites that file. The store
 /// is meant to be set from one thread at a time, before work spreads over threads.
 ///
-/// Where the resource directory is: on Apple platforms the app's main bundle (`Bundle.main`), which
-/// this module names before the store's first use unless the host called
+/// Where the resource directory is: on the phone the app's main bundle (`Bundle.main`), which this
+/// module names before the store's first use unless the host called
 /// `setResourceDirectory(directory:)` or set `TAVURO_RESOURCE_PATH`; elsewhere the directory named
 /// with `setResourceDirectory(directory:)`, else the environment variable `TAVURO_RESOURCE_PATH`,
 /// else the directory of the running executable.
@@ -691,8 +691,8 @@ public final class TavuroErrorDescriptions {
 
 /// Names the directory that stands for the app's resource bundle (where "TavuroConfig.plist" lies).
 /// Call it before the first use of `Credential`; later calls do not reload the store. Without it:
-/// on Apple platforms the app's main bundle; elsewhere `TAVURO_RESOURCE_PATH`, else the directory
-/// of the running executable.
+/// on the phone the app's main bundle; elsewhere `TAVURO_RESOURCE_PATH`, else the directory of the
+/// running executable.
 public func setResourceDirectory(directory: String) {
     Irregular.hostNamedResourceDirectory()
     tavuro_setResourceDirectory(directory)

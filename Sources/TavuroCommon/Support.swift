@@ -1,6 +1,6 @@
 // The hand-written part of the module: the conversions between C and Swift
 // values, the members whose C function does not follow one rule, and the
-// resource directory on Apple platforms.
+// resource directory on the phone.
 import CTavuroCommon
 import Foundation
 
@@ -306,7 +306,7 @@ enum Irregular {
         namedDirectory.lock.unlock()
     }
 
-    /// On Apple platforms, names the app's main bundle as the resource
+    /// On the phone, names the app's main bundle as the resource
     /// directory before the store's first use, unless the host named one or
     /// set TAVURO_RESOURCE_PATH. Elsewhere the library's own rules apply.
     static func prepareResourceDirectory() {
