@@ -2,6 +2,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -32,10 +33,7 @@ std::string nested(const std::string& container, int levels) {
 }
 
 TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
-  const struct {
-    std::string input;
-    Dict expected;
-  } cases[] = {
+  const std::pair<std::string, Dict> cases[] = {
       {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-8' standalone=\"yes\"?>\n<!-- c -->"
        "<?app x?><!DOCTYPE plist PUBLIC \"-//X//EN\" \"x.dtd\"><!DOCTYPE plist>"
        "\n<plist version=\"1.0\">\n\t<dict>\n<!--x--><key>a</key> <string>b</string></dict>"
@@ -69,97 +67,67 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
       {plist("<dict><key>k</key>" + nested("array", 127) + "</dict>"), {}},
       {plist(nested("dict", 128)), {}},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(readPlistStringDictionary(c.input), std::optional<Dict>(c.expected)) << c.input;
+  for (const auto& [input, expected] : cases) {
+    EXPECT_EQ(readPlistStringDictionary(input), std::optional<Dict>(expected)) << input;
   }
 }
 
 TEST(PlistXml, RejectsMalformedLists) {
-  const std::string rejected[] = {
-      "",
-      "   ",
-      "<?xml version=\"1.0\"?>",
-      plist("<array></array>"),
-      plist("<string>a</string>"),
-      "<plist/>",
-      plist("<dict/><dict/>"),
-      plist("<dict>"),
-      plist("<dict><key>a</key><string>b</key></dict>"),
-      plist("<dict><key>a</key></dict>"),
-      plist("<dict><string>b</string></dict>"),
-      plist("<dict><key>a</key><string>b</string>stray</dict>"),
-      plist("<dict><key>a</key><string>b<b/></string></dict>"),
-      plist("<dict><key>a</key><foo/></dict>"),
-      plist("<dict><key>a</key><key>b</key></dict>"),
-      plist("<dict><key>a</key><string>&nbsp;</string></dict>"),
-      plist("<dict><key>a</key><string>&amp</string></dict>"),
-      plist("<dict><key>a</key><string>&#xD800;</string></dict>"),
-      plist("<dict><key>a</key><string>&#x110000;</string></dict>"),
-      plist("<dict><key>a</key><string><![CDATA[x</string></dict>"),
-      plist("<dict><key>a</key><string>\xC3</string></dict>"),
-      plist("<dict><key>a</key><string>\xED\xA0\x80</string></dict>"),
-      plist("<dict><!-- open </dict>"),
-      "<!--><plist><dict/></plist>",  // "<!-->" opens a comment, no more
-      plist("<dict><key>a</key><string>x<!--->y</string></dict>"),
-      "\xFF\xFE<\0p\0"s,
-      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>",
-      plist("<dict><key>k</key>" + nested("array", 128) + "</dict>"),
-      plist(nested("dict", 129)),
-      plist("<dict><key>a</key><string>x<!--c-->y</string></dict>"),  // no comment in text
-      plist("<dict><key>a</key><string>x<?pi?>y</string></dict>"),
-      plist("<dict><key>a</key><integer>1 </integer></dict>"),  // blanks only before a number
-      plist("<dict><key>a</key><real> inf</real></dict>"),
-      "<plist/version=\"1.0\"><dict/></plist>",
-      "<plist version=\"1>0\"><dict/></plist>",  // quotes do not hide a ">"
-      "<!DOCTYPE plist [<!ENTITY e \"x\">]><plist><dict/></plist>",
-  };
+  // Whole documents ("<!-->" opens a comment, no more; quotes do not hide a
+  // ">"; UTF-16 is not read)...
+  std::vector<std::string> rejected(
+      {""s, "   "s, "<?xml version=\"1.0\"?>"s, "<plist/>"s, "<!--><plist><dict/></plist>"s,
+       "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>"s,
+       "<plist/version=\"1.0\"><dict/></plist>"s, "<plist version=\"1>0\"><dict/></plist>"s,
+       "<!DOCTYPE plist [<!ENTITY e \"x\">]><plist><dict/></plist>"s, "\xFF\xFE<\0p\0"s});
+  // ...what the plist element holds...
+  for (const std::string& root :
+       {"<array></array>"s, "<string>a</string>"s, "<dict/><dict/>"s, "<dict>"s,
+        "<dict><!-- open </dict>"s, "<dict><string>b</string></dict>"s, nested("dict", 129),
+        "<dict><key>k</key>" + nested("array", 128) + "</dict>"}) {
+    rejected.push_back(plist(root));
+  }
+  // ...and what follows a key: no comment or instruction inside text, blanks
+  // only before a number.
+  for (const std::string& value :
+       {"<string>b</key>"s, ""s, "<string>b</string>stray"s, "<string>b<b/></string>"s, "<foo/>"s,
+        "<key>b</key>"s, "<string>&nbsp;</string>"s, "<string>&amp</string>"s,
+        "<string>&#xD800;</string>"s, "<string>&#x110000;</string>"s,
+        "<string><![CDATA[x</string>"s, "<string>\xC3</string>"s, "<string>\xED\xA0\x80</string>"s,
+        "<string>x<!--->y</string>"s, "<string>x<!--c-->y</string>"s, "<string>x<?pi?>y</string>"s,
+        "<integer>1 </integer>"s, "<real> inf</real>"s}) {
+    rejected.push_back(plist("<dict><key>a</key>" + value + "</dict>"));
+  }
   for (const auto& input : rejected) {
     EXPECT_EQ(readPlistStringDictionary(input), std::nullopt) << input;
   }
 }
 
 TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
-  const struct {
-    const char* element;
-    const char* text;
-    bool valid;
-  } cases[] = {
-      {"integer", "+0", true},
-      {"integer", "\f- 7", true},  // blanks before the number and after its sign
-      {"real", "- 1", false},
-      {"integer", "-0X7fffFFFFffffFFFF", true},
-      {"integer", "18446744073709551616", false},
-      {"integer", "-9223372036854775809", false},
-      {"integer", "1 2", false},
-      {"integer", "0x", false},
-      {"integer", "", false},
-      {"real", "1.", true},
-      {"real", ".5E-7", true},
-      {"real", "-Infinity", true},
-      {"real", "1e", false},
-      {"real", ".", false},
-      {"real", "1.2.3", false},
-      {"real", "0x10", false},
-      {"date", "2000-02-29T00:00:00Z", true},
-      {"date", "1900-02-29T00:00:00Z", false},
-      {"date", "2021-04-31T00:00:00Z", false},
-      {"date", "2021-13-01T00:00:00Z", false},
-      {"date", "2021-01-01T24:00:00Z", false},
-      {"date", "2021-01-01T00:00:60Z", false},
-      {"date", "2021-01-01 00:00:00Z", false},
-      {"date", "2021-01-01T00:00:00", false},
-      {"data", "", true},
-      {"data", "QUJD RA=\n=", true},
-      {"data", "QUJDRA", true},
-      {"data", "QU*J=", true},  // never refused, as on the platform
-      {"data", "\xFF", false},  // but UTF-8
-      {"true", "", true},
-      {"true", "x", false},
+  // Each kind of element with texts it takes, then texts it refuses.
+  const std::tuple<std::string, std::vector<std::string>, std::vector<std::string>> cases[] = {
+      // Blanks may come before the number and after its sign.
+      {"integer",
+       {"+0", "\f- 7", "-0X7fffFFFFffffFFFF"},
+       {"18446744073709551616", "-9223372036854775809", "1 2", "0x", ""}},
+      {"real", {"1.", ".5E-7", "-Infinity"}, {"- 1", "1e", ".", "1.2.3", "0x10"}},
+      {"date",
+       {"2000-02-29T00:00:00Z"},
+       {"1900-02-29T00:00:00Z", "2021-04-31T00:00:00Z", "2021-13-01T00:00:00Z",
+        "2021-01-01T24:00:00Z", "2021-01-01T00:00:60Z", "2021-01-01 00:00:00Z",
+        "2021-01-01T00:00:00"}},
+      // Data is never refused for its base64, as on the platform, but must be UTF-8.
+      {"data", {"", "QUJD RA=\n=", "QUJDRA", "QU*J="}, {"\xFF"}},
+      {"true", {""}, {"x"}},
   };
-  for (const auto& c : cases) {
-    const std::string value = std::string("<") + c.element + ">" + c.text + "</" + c.element + ">";
-    const auto result = readPlistStringDictionary(plist("<dict><key>k</key>" + value + "</dict>"));
-    EXPECT_EQ(result.has_value(), c.valid) << value;
+  for (const auto& [element, accepted, refused] : cases) {
+    for (const bool valid : {true, false}) {
+      for (const std::string& text : valid ? accepted : refused) {
+        const auto input =
+            plist("<dict><key>k</key><" + element + ">" + text + "</" + element + "></dict>");
+        EXPECT_EQ(readPlistStringDictionary(input).has_value(), valid) << input;
+      }
+    }
   }
 }
 
@@ -206,35 +174,35 @@ struct Bplist {
     return container(0xD, refs);
   }
   std::string build(std::uint64_t top) const {
-    std::string out = "bplist00";
-    std::string table;
+    std::string out = "bplist00", table;
     std::vector<std::uint64_t> offsets;
     for (std::size_t i = 0; i < objects.size(); ++i) {
       offsets.push_back(aliasOf.count(i) ? offsets[aliasOf.at(i)] : out.size());
       table += bigEndian(offsets.back(), offsetSize);
       out += objects[i];
     }
-    const std::uint64_t tableOffset = out.size();
     return out + table + std::string(6, '\0') + bigEndian(offsetSize, 1) + bigEndian(refSize, 1) +
-           bigEndian(objects.size(), 8) + bigEndian(top, 8) + bigEndian(tableOffset, 8);
+           bigEndian(objects.size(), 8) + bigEndian(top, 8) + bigEndian(out.size(), 8);
   }
 };
 
-std::string patched(std::string bytes, std::size_t fromEnd, const std::string& with) {
-  return bytes.replace(bytes.size() - fromEnd, with.size(), with);
+/// A list of objects given already encoded, with one-byte references.
+std::string encoded(std::vector<std::string> objects, std::uint64_t top) {
+  Bplist b;
+  b.objects = std::move(objects);
+  return b.build(top);
 }
 
 TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
   std::vector<std::pair<std::string, Dict>> cases;
   {
     Bplist b;
+    const std::string v(20, 'v');
     const auto k = b.utf16({0x00E9, 0xD83D, 0xDE00});
-    const auto shared = b.ascii(std::string(20, 'v'));
+    const auto shared = b.ascii(v);
     const auto again = b.ascii("again");
     cases.emplace_back(b.build(b.dict({{k, shared}, {again, shared}, {b.ascii(""), b.utf16({})}})),
-                       Dict{{"\xC3\xA9\xF0\x9F\x98\x80", std::string(20, 'v')},
-                            {"again", std::string(20, 'v')},
-                            {"", ""}});
+                       Dict{{"\xC3\xA9\xF0\x9F\x98\x80", v}, {"again", v}, {"", ""}});
   }
   {
     Bplist b;
@@ -261,9 +229,7 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
     // As the platform reads them: "ASCII" strings as ISO Latin-1, unpaired
     // surrogates as U+FFFD, any version 0x.
     Bplist b;
-    Dict expected{{"\xC2\x80\xC3\xBF",
-                   "\xEF\xBF\xBD"
-                   "A\xEF\xBF\xBD\xEF\xBF\xBD"}};
+    const Dict expected{{"\xC2\x80\xC3\xBF", "\xEF\xBF\xBD\x41\xEF\xBF\xBD\xEF\xBF\xBD"}};
     std::string input =
         b.build(b.dict({{b.ascii("\x80\xFF"), b.utf16({0xD800, 0x41, 0xDC00, 0xD800})}}));
     cases.emplace_back(input, expected);
@@ -284,107 +250,69 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
 }
 
 TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
-  Bplist b;
-  const auto key = b.ascii("k");
-  const auto value = b.ascii("v");
-  const std::string good = b.build(b.dict({{key, value}}));
+  // Objects given encoded: 0x5n is an ASCII string of n bytes, 0xAn an array
+  // and 0xCn a set of n references, 0xDn a dict of n keys then n values.
+  const std::string good = encoded({"\x51k", "\x51v", "\xD1\x00\x01"s}, 2);
   ASSERT_EQ(readPlistStringDictionary(good), (Dict{{"k", "v"}}));
 
   const auto build = [](auto&& fill) {
     Bplist c;
+    c.offsetSize = 2;
     return c.build(fill(c));
   };
-  const std::string hostile[] = {
+  std::vector<std::string> hostile{
       good.substr(0, good.size() - 1),
       good.substr(0, 39),
       "bplist10" + good.substr(8),
       good.substr(0, good.size() - 32) + "\0"s + good.substr(good.size() - 32),  // a gap
-      patched(good, 26, std::string(1, '\0')),                                   // offset size 0
-      patched(good, 26, "\x09"),                                                 // offset size 9
-      patched(good, 25, std::string(1, '\0')),                                   // reference size 0
-      patched(good, 24, std::string(8, '\xFF')),                                 // object count
-      patched(good, 24, std::string(8, '\0')),
-      patched(good, 16, Bplist::bigEndian(3, 8)),           // top object
-      patched(good, 8, Bplist::bigEndian(good.size(), 8)),  // offset table
-      patched(good, 8, Bplist::bigEndian(8, 8)),
-      patched(good, 34, "\x00"s),  // an object offset inside the header
-      patched(good, 34, "\x12"),   // an object offset inside the trailer
-      build([](Bplist& c) { return c.container(0xA, {c.ascii("array root")}); }),
-      build([](Bplist& c) {
-        return c.dict({{c.add("\x10\x01"), c.ascii("v")}});
-      }),
-      build([](Bplist& c) {
-        const auto inner = c.dict({{c.add(std::string(1, '\0')), c.ascii("v")}});
-        return c.dict({{c.ascii("k"), inner}});
-      }),
-      build([](Bplist& c) {
-        c.ascii("k");
-        return c.dict({{0, 1}});  // the dict holds itself
-      }),
-      build([](Bplist& c) {
-        c.container(0xA, {1});
-        c.container(0xC, {0});
-        return c.dict({{c.ascii("k"), 0}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), 9}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add(Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add(Bplist::marker(0xA, UINT64_MAX) + "v")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x4F\x14" + std::string(8, 'x'))}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x15")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x21\0\0"s)}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x32\0\0\0\0"s)}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x70")}});
-      }),
-      build([](Bplist& c) {
-        return c.dict({{c.ascii("k"), c.add("\x13\0"s)}});
-      }),
+      encoded({"\x5A"s + "array root", "\xA1\x00"s}, 1),
+      encoded({"\x10\x01", "\x51v", "\xD1\x00\x01"s}, 2),                       // an integer key
+      encoded({"\0"s, "\x51v", "\xD1\x00\x01"s, "\x51k", "\xD1\x03\x02"s}, 4),  // one deeper down
+      encoded({"\x51k", "\xD1\x00\x01"s}, 1),                           // the dict holds itself
+      encoded({"\xA1\x01", "\xC1\x00"s, "\x51k", "\xD1\x02\x00"s}, 3),  // an array and a set
+      encoded({"\x51k", "\xD1\x00\x09"s}, 1),                           // a reference past the end
       build([](Bplist& c) {
         // One long string under many keys would expand the file 100-fold.
-        c.offsetSize = 2;
         const auto shared = c.ascii(std::string(4000, 'x'));
         std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
         for (int i = 0; i < 200; ++i) entries.emplace_back(c.ascii(std::to_string(i)), shared);
         return c.dict(entries);
       }),
-      // Many offsets naming one long array or string: checking each anew
-      // would take time growing with the square of the file's size.
       build([](Bplist& c) {
-        c.offsetSize = 2;
-        const auto shared = c.container(0xA, std::vector<std::uint64_t>(100, c.add("\x00"s)));
-        std::vector<std::uint64_t> names;
-        for (int i = 0; i < 100; ++i) names.push_back(c.alias(shared));
-        return c.dict({{c.ascii("k"), c.container(0xA, names)}});
-      }),
-      build([](Bplist& c) {
-        c.offsetSize = 2;
-        const auto shared = c.ascii(std::string(100, 'x'));
-        std::vector<std::uint64_t> names;
-        for (int i = 0; i < 100; ++i) names.push_back(c.alias(shared));
-        return c.dict({{c.ascii("k"), c.container(0xA, names)}});
-      }),
-      build([](Bplist& c) {
-        c.offsetSize = 2;
         auto chain = c.container(0xA, {});
         for (int i = 0; i < 127; ++i) chain = c.container(0xA, {chain});
         return c.dict({{c.ascii("k"), chain}});
       }),
   };
-  for (std::size_t i = 0; i < std::size(hostile); ++i) {
+  // Many offsets naming one long array or string: checking each anew would
+  // take time growing with the square of the file's size.
+  for (const bool array : {true, false}) {
+    hostile.push_back(build([array](Bplist& c) {
+      const auto shared = array ? c.container(0xA, std::vector<std::uint64_t>(100, c.add("\x00"s)))
+                                : c.ascii(std::string(100, 'x'));
+      std::vector<std::uint64_t> names(100);
+      for (auto& name : names) name = c.alias(shared);
+      return c.dict({{c.ascii("k"), c.container(0xA, names)}});
+    }));
+  }
+  // Trailer fields (offset size 0 or 9, reference size 0, object count, top
+  // object, offset table), then an object's offset inside the header or trailer.
+  const auto patch = [&good](std::size_t fromEnd, const std::string& with) {
+    return std::string(good).replace(good.size() - fromEnd, with.size(), with);
+  };
+  hostile.insert(hostile.end(),
+                 {patch(26, "\0"s), patch(26, "\x09"), patch(25, "\0"s),
+                  patch(24, std::string(8, '\xFF')), patch(24, std::string(8, '\0')),
+                  patch(16, Bplist::bigEndian(3, 8)), patch(8, Bplist::bigEndian(good.size(), 8)),
+                  patch(8, Bplist::bigEndian(8, 8)), patch(34, "\0"s), patch(34, "\x12")});
+  // Values whose marker or length cannot hold.
+  for (const std::string& bytes :
+       {Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v", Bplist::marker(0xA, UINT64_MAX) + "v",
+        "\x4F\x14" + std::string(8, 'x'), "\x15"s, "\x21\0\0"s, "\x32\0\0\0\0"s, "\x70"s,
+        "\x13\0"s}) {
+    hostile.push_back(encoded({"\x51k", bytes, "\xD1\x00\x01"s}, 2));
+  }
+  for (std::size_t i = 0; i < hostile.size(); ++i) {
     EXPECT_EQ(readPlistStringDictionary(hostile[i]), std::nullopt) << "case " << i;
   }
 }
@@ -392,30 +320,26 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
 TEST(PlistBinary, CopiesSharedStringsToAtMostSixTimesTheFile) {
   // One string object of about 1 MB under `keys` keys is copied under each;
   // in UTF-16 (U+4E00 throughout) each copy, as UTF-8, is half again as large.
-  const struct {
-    bool utf16;
-    int keys;
-    bool loads;
-  } cases[] = {
-      {false, 6, true}, {false, 7, false}, {false, 63, false}, {true, 4, true}, {true, 5, false}};
   constexpr std::size_t kBytes = 1 << 20;
-  for (const auto& c : cases) {
+  const std::tuple<bool, int, bool> cases[] = {
+      {false, 6, true}, {false, 7, false}, {false, 63, false}, {true, 4, true}, {true, 5, false}};
+  for (const auto& [utf16, keys, loads] : cases) {
     Bplist b;
     b.offsetSize = 4;
     std::string text;
-    for (std::size_t i = 0; i < kBytes / 2; ++i) text += c.utf16 ? "\xE4\xB8\x80" : "xx";
+    for (std::size_t i = 0; i < kBytes / 2; ++i) text += utf16 ? "\xE4\xB8\x80" : "xx";
     const auto shared =
-        c.utf16 ? b.utf16(std::vector<std::uint16_t>(kBytes / 2, 0x4E00)) : b.ascii(text);
+        utf16 ? b.utf16(std::vector<std::uint16_t>(kBytes / 2, 0x4E00)) : b.ascii(text);
     std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
     Dict expected;
-    for (int i = 0; i < c.keys; ++i) {
+    for (int i = 0; i < keys; ++i) {
       entries.emplace_back(b.ascii(std::to_string(i)), shared);
       expected[std::to_string(i)] = text;
     }
     const auto result = readPlistStringDictionary(b.build(b.dict(entries)));
     // Compared whole, so that a failure does not print megabytes.
-    EXPECT_TRUE(result == (c.loads ? std::optional<Dict>(expected) : std::nullopt))
-        << c.keys << (c.utf16 ? " keys, UTF-16" : " keys, ASCII");
+    EXPECT_TRUE(result == (loads ? std::optional<Dict>(expected) : std::nullopt))
+        << keys << (utf16 ? " keys, UTF-16" : " keys, ASCII");
   }
 }
 
