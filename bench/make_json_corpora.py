@@ -5,8 +5,8 @@ Deterministic (fixed seeds, standard library only), so every run measures
 the same bytes:
 
   a_answer.json        ~5 MB document-authentication answer: nested objects,
-                       ~200 field records, four 0.95-1.5 MB base64 images
-  a2_answer_text.json  the same answer without the images
+                       500 field records, four 0.95-1.5 MB base64 images
+  a2_answer_text.json  the same answer without the images (~235 KB)
   b_small_objects.json ~5 MB of many small objects (one array in an object)
   c_coordinates.json   ~2 MB of floating-point coordinates
   d_small_answer.json  ~2 KB answer
@@ -230,8 +230,8 @@ def main():
     compact = {"separators": (",", ":"), "ensure_ascii": False}
     image_sizes = [1500000, 1300000, 1150000, 950000]
     write(directory, "a_answer.json",
-          json.dumps(answer(random.Random(1), 200, image_sizes), **compact))
-    text_only = answer(random.Random(1), 200, image_sizes)
+          json.dumps(answer(random.Random(1), 500, image_sizes), **compact))
+    text_only = answer(random.Random(1), 500, image_sizes)
     for image in text_only["Images"]:
         del image["Data"]
     write(directory, "a2_answer_text.json", json.dumps(text_only, **compact))
