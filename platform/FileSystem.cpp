@@ -61,12 +61,6 @@ bool closeDescriptor(int fd) {
   return ::close(fd) == 0 || errno == EINTR;
 }
 
-std::string directoryOf(const std::string& path) {
-  const auto slash = path.find_last_of('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? std::string("/") : path.substr(0, slash);
-}
-
 std::string fileNameOf(const std::string& path) {
   const auto slash = path.find_last_of('/');
   return slash == std::string::npos ? path : path.substr(slash + 1);
@@ -267,6 +261,12 @@ Outcome replaceThrough(bool unnamed, const std::string& path, std::string_view b
 }
 
 }  // namespace
+
+std::string directoryOf(const std::string& path) {
+  const auto slash = path.find_last_of('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? std::string("/") : path.substr(0, slash);
+}
 
 std::optional<std::string> readWholeFile(const std::string& path, std::size_t maxBytes) {
   int fd;

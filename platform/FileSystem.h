@@ -23,6 +23,10 @@ inline constexpr std::size_t kMaxFileReadBytes = std::size_t{16} << 20;
 [[nodiscard]] std::optional<std::string> readWholeFile(const std::string& path,
                                                        std::size_t maxBytes = kMaxFileReadBytes);
 
+/// The directory part of `path`: everything before its last '/', "/" for a
+/// path directly under the root, and "." for a bare file name.
+[[nodiscard]] std::string directoryOf(const std::string& path);
+
 /// Points inside `writeFileAtomically` at which a test may stop the process
 /// to see what a crash there leaves behind.
 enum class AtomicWriteStep {

@@ -1,5 +1,7 @@
 #include "platform/Resources.h"
 
+#include "platform/FileSystem.h"
+
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -14,12 +16,6 @@
 
 namespace tavuro::platform {
 namespace {
-
-std::string directoryOf(const std::string& path) {
-  const auto slash = path.find_last_of('/');
-  if (slash == std::string::npos) return {};
-  return slash == 0 ? std::string("/") : path.substr(0, slash);
-}
 
 #if defined(__linux__)
 std::string executablePath() {
@@ -57,7 +53,9 @@ bool isRegularFile(const std::string& path) {
 }  // namespace
 
 std::string executableDirectory() {
-  return directoryOf(executablePath());
+  // An unknown executable gives no directory rather than the working one.
+  const std::string path = executablePath();
+  return path.empty() ? std::string() : directoryOf(path);
 }
 
 std::optional<std::string> pathForResource(std::string directory, std::string_view name,
