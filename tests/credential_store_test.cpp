@@ -7,6 +7,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <set>
 #include <thread>
 #include <vector>
@@ -149,33 +150,48 @@ TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
 }
 
 // The process-wide store: made on first use only, once, by whichever
-// thread comes first.
+// thread comes first. It loads once per process, so each test runs its body
+// in a fresh one: the test binary started again for that test alone.
+void inFreshProcess(const std::function<void()>& body) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        body();
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
 TEST(Credential, AnEmptyEndpointIsRefusedBeforeTheStoreLoads) {
-  TempDir dir;
-  dir.write(writeXmlPlist({{"tavuro_username", "before"}}));
-  tavuro::setResourceDirectory(dir.path_);
-  EXPECT_FALSE(Credential::isCredentialValid(std::nullopt));
-  EXPECT_FALSE(Credential::isCredentialValid(""));
-  dir.write(writeXmlPlist({{"tavuro_username", "after"}}));
-  EXPECT_EQ(Credential::username(), "after");  // loaded only now
+  inFreshProcess([] {
+    TempDir dir;
+    dir.write(writeXmlPlist({{"tavuro_username", "before"}}));
+    tavuro::setResourceDirectory(dir.path_);
+    EXPECT_FALSE(Credential::isCredentialValid(std::nullopt));
+    EXPECT_FALSE(Credential::isCredentialValid(""));
+    dir.write(writeXmlPlist({{"tavuro_username", "after"}}));
+    EXPECT_EQ(Credential::username(), "after");  // loaded only now
+  });
 }
 
 TEST(Credential, ConcurrentFirstUseSeesOneLoadedStore) {
-  TempDir dir;
-  dir.write(writeXmlPlist({{"tavuro_username", "user"}}));
-  tavuro::setResourceDirectory(dir.path_);
-  std::atomic<bool> go{false};
-  std::vector<std::shared_ptr<tavuro::Endpoints>> seen(8);
-  std::vector<std::thread> threads;
-  for (std::size_t i = 0; i < seen.size(); ++i) {
-    threads.emplace_back([&, i] {
-      while (!go.load()) std::this_thread::yield();
-      if (Credential::username() == "user") seen[i] = Credential::endpoints();
-    });
-  }
-  go = true;
-  for (auto& t : threads) t.join();
-  for (const auto& e : seen) EXPECT_TRUE(e != nullptr && e == seen[0]);
+  inFreshProcess([] {
+    TempDir dir;
+    dir.write(writeXmlPlist({{"tavuro_username", "user"}}));
+    tavuro::setResourceDirectory(dir.path_);
+    std::atomic<bool> go{false};
+    std::vector<std::shared_ptr<tavuro::Endpoints>> seen(8);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+      threads.emplace_back([&, i] {
+        while (!go.load()) std::this_thread::yield();
+        if (Credential::username() == "user") seen[i] = Credential::endpoints();
+      });
+    }
+    go = true;
+    for (auto& t : threads) t.join();
+    for (const auto& e : seen) EXPECT_TRUE(e != nullptr && e == seen[0]);
+  });
 }
 
 int g_calls = 0;
