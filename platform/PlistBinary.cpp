@@ -42,6 +42,12 @@ bool isContainerType(std::uint8_t type) {
   return type == kArray || type == kSet || type == kDict;
 }
 
+/// Whether an object of this marker may be a dict's key: as on the
+/// platform, any scalar but the fill byte, not a container.
+bool isKeyMarker(std::uint8_t type, std::uint8_t info) {
+  return !isContainerType(type) && !(type == kSingleton && info == 0xF);
+}
+
 /// An object's marker with its length or count resolved.
 struct ObjectHeader {
   std::uint8_t type = 0;
@@ -205,8 +211,9 @@ class BinaryPlistReader {
       std::optional<std::uint64_t> child = readReference(header.content + i * refSize_);
       if (!child || !checkObject(*child, depth + 1)) return std::nullopt;
       // In a dict the first half of the references are the keys.
-      if (header.type == kDict && i < header.count && !isStringType(readHeader(*child)->type)) {
-        return std::nullopt;
+      if (header.type == kDict && i < header.count) {
+        const ObjectHeader key = *readHeader(*child);
+        if (!isKeyMarker(key.type, key.info)) return std::nullopt;
       }
       maxHeight = std::max(maxHeight, int{heights_[*child]});
     }
@@ -297,13 +304,14 @@ class BinaryPlistReader {
   /// the last), and the key is dropped if that is not a string. One string
   /// object may stand under many keys and is copied under each, so the
   /// copies are sized first and refused, before any is made, when they would
-  /// not fit the budget. Every key is decoded, kept or not, so its bytes are
-  /// taken too.
+  /// not fit the budget. Every string key is decoded, kept or not, so its
+  /// bytes are taken too; keys of other kinds are passed over.
   [[nodiscard]] std::optional<PlistStringDictionary> collectStrings(
       const ObjectHeader& root) const {
     PlistResultBudget budget(in_.size());
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      if (!isStringType(key.type)) continue;
       const bool taken = isStringType(value.type)
                              ? budget.takeEntry(*textLength(key), *textLength(value))
                              : budget.take(*textLength(key));
@@ -313,6 +321,7 @@ class BinaryPlistReader {
     std::set<std::string> otherKinds;  // keys whose first value is no string
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      if (!isStringType(key.type)) continue;  // a number, date, data... as key: no text entry
       std::string name = decodeString(key);
       if (entries.count(name) != 0 || otherKinds.count(name) != 0) continue;
       if (isStringType(value.type)) {

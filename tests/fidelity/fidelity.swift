@@ -225,10 +225,13 @@ func basicHeader(_ input: [UInt8]) -> [UInt8] {
   return Array(("Basic " + Data(text.utf8).base64EncodedString()).utf8)
 }
 
+// The text entries of a dictionary root, as the phone's NSDictionary holds them: keys of other kinds (a
+// binary list may have numbers, dates or data as keys) are passed over, not a reason to refuse the file.
 func foundationPlist(_ input: [UInt8]) -> [UInt8] {
   guard let root = try? PropertyListSerialization.propertyList(from: Data(input), format: nil),
-    let dictionary = root as? [String: Any] else { return absent }
-  return dictionary.keys.sorted(by: byUtf8).flatMap { key in (dictionary[key] as? String).map { tagged(key) + tagged($0) } ?? [] }
+    let dictionary = root as? [AnyHashable: Any] else { return absent }
+  let texts = dictionary.compactMap { entry in (entry.key.base as? String).flatMap { key in (entry.value as? String).map { (key, $0) } } }
+  return texts.sorted { byUtf8($0.0, $1.0) }.flatMap { tagged($0.0) + tagged($0.1) }
 }
 
 func contains(_ input: [UInt8], _ piece: String) -> Bool {
@@ -351,8 +354,8 @@ let areas = [
   Area(name: "plist-write", op: "W", big: false, generate: generateWrite, foundation: foundationWrite), Area(name: "dates", op: "D", big: false, generate: generateDate, foundation: foundationDate),
 ]
 
-func show(_ bytes: [UInt8]) -> String {
-  bytes.prefix(160).map { (32..<127).contains($0) && $0 != 92 ? String(UnicodeScalar($0)) : String(format: "\\x%02x", $0) }.joined() + (bytes.count > 160 ? "... (\(bytes.count) bytes)" : "")
+func show(_ bytes: [UInt8], whole: Bool = false) -> String {
+  bytes.prefix(whole ? bytes.count : 160).map { (32..<127).contains($0) && $0 != 92 ? String(UnicodeScalar($0)) : String(format: "\\x%02x", $0) }.joined() + (!whole && bytes.count > 160 ? "... (\(bytes.count) bytes)" : "")
 }
 
 let dump = ProcessInfo.processInfo.environment["FIDELITY_DUMP"].flatMap { FileManager.default.createFile(atPath: $0, contents: nil) ? FileHandle(forWritingAtPath: $0) : nil }
@@ -368,7 +371,7 @@ func run(_ area: Area, count: Int, seed: UInt64, driver: Driver) -> Bool {
       let ours = driver.take(le32(driver.take(4)[...]))
       if ours == theirs || (ours.first == 33 && theirs == absent) { agreed += 1; continue }
       let kind = area.classify(input, ours, theirs), old = kinds[kind]
-      dump?.write("\(area.name)\t\(kind)\t\(show(input))\t\(show(ours))\t\(show(theirs))\n".data(using: .utf8)!)
+      dump?.write("\(area.name)\t\(kind)\t\(show(input, whole: true))\t\(show(ours))\t\(show(theirs))\n".data(using: .utf8)!)
       kinds[kind] = old == nil || input.count < old!.input.count ? ((old?.count ?? 0) + 1, index + i, input, ours, theirs) : (old!.count + 1, old!.index, old!.input, old!.ours, old!.theirs)
     }
     index += inputs.count
