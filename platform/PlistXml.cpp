@@ -276,16 +276,18 @@ class XmlPlistReader {
   bool readXmlDeclaration(bool marked) {
     const std::size_t end = in_.find("?>", pos_);
     if (end == std::string_view::npos) return false;
-    const std::string_view declaration = in_.substr(pos_, end - pos_);
-    pos_ = end + 2;
     constexpr std::string_view kEncoding = "encoding=";
-    const std::size_t name = declaration.find(kEncoding);
+    const std::size_t name = in_.substr(pos_, end - pos_).find(kEncoding);
+    const std::size_t start = pos_;
+    pos_ = end + 2;
     if (marked || name == std::string_view::npos) return true;
     // The closing quote is looked for in the whole file, past the "?>".
-    const std::string_view rest = in_.substr(pos_ - 2 - declaration.size() + name + kEncoding.size());
+    const std::string_view rest = in_.substr(start + name + kEncoding.size());
     if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return true;
     const std::size_t close = rest.find(rest.front(), 1);
-    return close == std::string_view::npos || namesUtf8(rest.substr(1, close - 1));
+    if (close == std::string_view::npos) return true;
+    const std::string_view encoding = rest.substr(1, close - 1);
+    return namesUtf8(encoding.substr(0, encoding.find('\0')));  // the name ends at a NUL
   }
 
   /// Skips "<!DOCTYPE ...>" up to its first ">". As on the platform, an
@@ -456,8 +458,7 @@ class XmlPlistReader {
     std::string repaired;
     for (std::size_t i = 0; i < text->size();) {
       const auto c = static_cast<unsigned char>((*text)[i]);
-      const unsigned length =
-          c < 0x80 ? 1 : utf8SequenceLength(text->data() + i, text->size() - i);
+      const unsigned length = c < 0x80 ? 1 : utf8SequenceLength(text->data() + i, text->size() - i);
       if (length != 0) {
         repaired.append(*text, i, length);
         i += length;
