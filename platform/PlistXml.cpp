@@ -173,7 +173,7 @@ bool isPlistDate(std::string_view text) {
 /// Whether an encoding name names UTF-8 when compared as the platform
 /// compares them: ASCII case, ASCII characters other than letters and
 /// digits, and the zeros that begin a number are ignored ("utf8", "UTF_08",
-/// "!UTF-8" all match).
+/// "!UTF-8" all match); a byte above 0x7F matches nothing.
 bool namesUtf8(std::string_view name) {
   std::string folded;
   bool afterDigit = false;
