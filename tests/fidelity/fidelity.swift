@@ -249,12 +249,13 @@ func classifyPlist(_ input: [UInt8], _ ours: [UInt8], _ theirs: [UInt8]) -> Stri
 let xmlPieces = words("a|Z| |é|😀|&lt;|&gt;|&amp;|&apos;|&quot;|&#65;|&#x1F600;|&#xE9;|<![CDATA[<&>]]>|<!-- c -->|\n|\t|\r|>|]]>|\u{7f}|\u{1}")
 let plistKeys = words("a|b|é|e\u{301}|&amp;|tavuro_username|| ")
 let prologs = ["<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\""
-  + " \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"] + words("|<?xml version=\"1.0\"?>|<!-- note -->\n|\u{FEFF}| \n")
+  + " \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"] + words("|<?xml version=\"1.0\"?>|<!-- note -->\n|\u{FEFF}| \n|<?xml encoding='utf8'?>")
 let xmlScalars = words("<string/>|<true/>|<false/>|<integer>0</integer>|<integer>-5</integer>|<integer>0x1F</integer>|"
   + "<integer>18446744073709551615</integer>|<integer> 7 </integer>|<integer>+3</integer>|<integer>-9223372036854775809</integer>|"
   + "<real>1.5</real>|<real>-0</real>|<real>nan</real>|<real>-inf</real>|<real>.5</real>|<real>1e400</real>|"
   + "<date>2020-01-01T00:00:00Z</date>|<date>1582-10-15T12:00:00Z</date>|<date>2020-13-01</date>|<data>AAEC</data>|"
-  + "<data></data>|<data>AA EC\n</data>|<data>SGVsbG8=</data>|<array/>|<dict/>")
+  + "<data></data>|<data>AA EC\n</data>|<data>SGVsbG8=</data>|<array/>|<dict/>|<date>582-02-30T24:00:00Z</date>|"
+  + "<integer>\u{10}-\u{3000}7</integer>|<integer>&#55;</integer>|<real>\u{a0}-1</real>")
 
 func xmlValue(_ r: inout Rng, _ depth: Int) -> String {
   switch r.int(depth > 2 ? 7 : 9) {
