@@ -17,8 +17,9 @@ namespace tavuro::platform {
 inline constexpr std::size_t kMaxPlistBytes = std::size_t{16} << 20;
 
 /// The root dictionary of a property list (XML or binary form, told apart by
-/// its first bytes), keeping only the entries whose value is a string: every
-/// other kind of value (integer, real, boolean, date, data, array, dict) is
+/// its first bytes), keeping only the entries whose key and value are
+/// strings: every other kind of value (integer, real, boolean, date, data,
+/// array, dict), and in the binary form every key that is not a string, is
 /// recognised, checked and left out. nullopt when the bytes are not a
 /// well-formed property list or the root is not a dictionary. Never crashes
 /// or hangs on hostile input.
@@ -31,10 +32,12 @@ inline constexpr std::size_t kMaxPlistBytes = std::size_t{16} << 20;
 /// many keys is copied under each) is malformed. Every file writeXmlPlist
 /// writes stays within this.
 ///
-/// A key given twice in one dict takes its last value. Containers nest at
-/// most 128 deep, the root dict counting as one. XML must be UTF-8 (a
-/// byte-order mark is skipped; another declared encoding is refused); its
-/// text is kept byte for byte, line ends and control characters included.
+/// A key given twice in one dict takes its last value in XML, its first in
+/// the binary form. Containers nest at most 128 deep, the root dict counting
+/// as one. XML must be UTF-8 (a byte-order mark is skipped; another declared
+/// encoding is refused); its text is kept byte for byte, line ends and
+/// control characters included, except that a stray byte 0xA9 reads as
+/// U+FFFD, as on the platform.
 /// Integers are decimal or 0x-hexadecimal, signed, from -2^63 to 2^64-1.
 [[nodiscard]] std::optional<std::map<std::string, std::string>> readPlistStringDictionary(
     std::string_view bytes);

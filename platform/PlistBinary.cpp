@@ -61,7 +61,7 @@ class BinaryPlistReader {
     // One byte per object: the offset table bounds objectCount_ by the
     // file's size. It is let go before the result is built.
     heights_.assign(objectCount_, kUnchecked);
-    checkBudget_ = objectsEnd_;
+    checkBudget_ = kCheckFactor * objectsEnd_;
     if (!checkObject(topObject_, 1)) return std::nullopt;
     std::vector<std::uint8_t>().swap(heights_);
     return collectStrings(*root);
@@ -72,6 +72,8 @@ class BinaryPlistReader {
   static constexpr std::uint8_t kUnchecked = 0xFF;
   static constexpr std::uint8_t kOnPath = 0xFE;  // a container being checked
   static_assert(kPlistMaxDepth < kOnPath);
+  // How many times over the object area checking may read it.
+  static constexpr std::uint64_t kCheckFactor = 4;
 
   [[nodiscard]] std::uint64_t readBigEndian(std::uint64_t at, std::uint64_t width) const {
     std::uint64_t value = 0;
@@ -115,10 +117,11 @@ class BinaryPlistReader {
     return readBigEndian(objectsEnd_ + index * offsetSize_, offsetSize_);
   }
 
+  /// Every offset must lie before the table; as on the platform, one
+  /// inside the header is refused only when its object is read.
   [[nodiscard]] bool checkOffsetTable() const {
     for (std::uint64_t i = 0; i < objectCount_; ++i) {
-      const std::uint64_t offset = objectOffset(i);
-      if (offset < kMagic.size() || offset >= objectsEnd_) return false;
+      if (objectOffset(i) >= objectsEnd_) return false;
     }
     return true;
   }
@@ -127,6 +130,7 @@ class BinaryPlistReader {
   /// or count, which a low nibble of 0xF moves into a following integer.
   [[nodiscard]] std::optional<ObjectHeader> readHeader(std::uint64_t index) const {
     const std::uint64_t offset = objectOffset(index);
+    if (offset < kMagic.size()) return std::nullopt;
     const auto marker = static_cast<std::uint8_t>(in_[offset]);
     ObjectHeader header{static_cast<std::uint8_t>(marker >> 4),
                         static_cast<std::uint8_t>(marker & 0xF), marker & 0xFU, offset + 1};
@@ -176,11 +180,13 @@ class BinaryPlistReader {
   }
 
   /// Takes what checking an object costs (its marker, and its references or
-  /// string units) from the budget. The objects of a well-formed file never
-  /// share bytes, so the total stays within the object area; offsets that
-  /// name one long array or string many times over, or containers whose
-  /// reference lists overlap, would otherwise make the work grow with the
-  /// square of the file's size.
+  /// string units) from the budget. The objects of a written file never
+  /// share bytes, so the total stays within the object area; the platform
+  /// also reads objects that overlap, or offsets that name one object twice,
+  /// hence the budget of kCheckFactor times that area. Offsets that name one
+  /// long array or string many times over, or containers whose reference
+  /// lists overlap, would otherwise make the work grow with the square of the
+  /// file's size.
   bool charge(const ObjectHeader& header) {
     std::uint64_t units = 0;
     if (isContainerType(header.type)) {
@@ -205,8 +211,9 @@ class BinaryPlistReader {
       std::optional<std::uint64_t> child = readReference(header.content + i * refSize_);
       if (!child || !checkObject(*child, depth + 1)) return std::nullopt;
       // In a dict the first half of the references are the keys.
-      if (header.type == kDict && i < header.count && !isStringType(readHeader(*child)->type)) {
-        return std::nullopt;
+      if (header.type == kDict && i < header.count) {
+        // As on the platform, a key may be of any kind but a container.
+        if (isContainerType(readHeader(*child)->type)) return std::nullopt;
       }
       maxHeight = std::max(maxHeight, int{heights_[*child]});
     }
@@ -215,16 +222,23 @@ class BinaryPlistReader {
 
   [[nodiscard]] bool checkScalar(const ObjectHeader& header) const {
     switch (header.type) {
-      case kSingleton:
-        return header.info == 0x0 || header.info == 0x8 || header.info == 0x9 || header.info == 0xF;
+      // Null, false and true; as on the platform, not the fill byte.
+      case kSingleton: return header.info == 0x0 || header.info == 0x8 || header.info == 0x9;
       case kInteger: return header.info <= 4 && fits(header.content, 1U << header.info, 1);
       case kReal:
         return (header.info == 2 || header.info == 3) && fits(header.content, 1U << header.info, 1);
       case kDate: return header.info == 3 && fits(header.content, 8, 1);
       case kData: return fits(header.content, header.count, 1);
-      case kAsciiString:
-      case kUtf16String: return textLength(header).has_value();
-      case kUid: return fits(header.content, header.info + 1U, 1);
+      case kAsciiString: return textLength(header).has_value();
+      // As on the platform, an empty text is ASCII: a UTF-16 one is refused.
+      case kUtf16String: return header.count != 0 && textLength(header).has_value();
+      case kUid: {
+        // Up to 16 bytes, whose value, as on the platform, must fit 32 bits.
+        const std::uint64_t size = header.info + 1U;
+        if (!fits(header.content, size, 1)) return false;
+        const std::string_view high = in_.substr(header.content, size > 4 ? size - 4 : 0);
+        return std::all_of(high.begin(), high.end(), [](char c) { return c == '\0'; });
+      }
       default: return false;
     }
   }
@@ -297,13 +311,14 @@ class BinaryPlistReader {
   /// the last), and the key is dropped if that is not a string. One string
   /// object may stand under many keys and is copied under each, so the
   /// copies are sized first and refused, before any is made, when they would
-  /// not fit the budget. Every key is decoded, kept or not, so its bytes are
-  /// taken too.
+  /// not fit the budget. Every string key is decoded, kept or not, so its
+  /// bytes are taken too; keys of other kinds are passed over.
   [[nodiscard]] std::optional<PlistStringDictionary> collectStrings(
       const ObjectHeader& root) const {
     PlistResultBudget budget(in_.size());
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      if (!isStringType(key.type)) continue;
       const bool taken = isStringType(value.type)
                              ? budget.takeEntry(*textLength(key), *textLength(value))
                              : budget.take(*textLength(key));
@@ -313,6 +328,7 @@ class BinaryPlistReader {
     std::set<std::string> otherKinds;  // keys whose first value is no string
     for (std::uint64_t i = 0; i < root.count; ++i) {
       const auto [key, value] = rootEntry(root, i);
+      if (!isStringType(key.type)) continue;  // a number, date, data... as key: no text entry
       std::string name = decodeString(key);
       if (entries.count(name) != 0 || otherKinds.count(name) != 0) continue;
       if (isStringType(value.type)) {
@@ -331,7 +347,7 @@ class BinaryPlistReader {
   std::uint64_t topObject_ = 0;
   std::uint64_t objectsEnd_ = 0;       // where the offset table starts
   std::vector<std::uint8_t> heights_;  // subtree height of each checked object, or a mark
-  std::uint64_t checkBudget_ = 0;      // object-area bytes not yet charged
+  std::uint64_t checkBudget_ = 0;      // what checking may still read
 };
 
 }  // namespace

@@ -52,8 +52,9 @@ class PlistResultBudget {
 };
 
 /// The XML form. The bytes must be UTF-8 (a UTF-8 byte-order mark is
-/// skipped); any other encoding, whether announced by a byte-order mark or by
-/// the XML declaration, makes the list unreadable.
+/// skipped, and then any declared encoding is ignored); any other encoding,
+/// whether announced by a byte-order mark or by the XML declaration, makes
+/// the list unreadable.
 [[nodiscard]] std::optional<PlistStringDictionary> readXmlPlistStringDictionary(
     std::string_view bytes);
 

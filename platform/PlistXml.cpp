@@ -49,24 +49,57 @@ bool equalsIgnoringAsciiCase(std::string_view a, std::string_view b) {
   return true;
 }
 
-// Numbers may have blanks (as C counts them, form feed and vertical tab
-// too) before them, as the platform's reader allows, but not after.
-std::string_view skipLeadingBlanks(std::string_view text) {
-  while (!text.empty() &&
-         std::string_view(" \t\n\v\f\r").find(text.front()) != std::string_view::npos) {
-    text.remove_prefix(1);
+/// The length of the space character at the start of `text` among those
+/// the platform passes over before a number: U+2000 to U+200B and U+3000,
+/// with U+205F before an integer, or U+0080 to U+00A0 and U+FEFF before a
+/// real; 0 for any other.
+std::size_t unicodeSpaceLength(std::string_view text, bool integer) {
+  const auto at = [&](std::size_t i) {
+    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+  };
+  if (!integer && at(0) == 0xC2 && at(1) >= 0x80 && at(1) <= 0xA0) return 2;
+  const bool space = (at(0) == 0xE2 && at(1) == 0x80 && at(2) >= 0x80 && at(2) <= 0x8B) ||
+                     (at(0) == 0xE3 && at(1) == 0x80 && at(2) == 0x80) ||
+                     (integer && at(0) == 0xE2 && at(1) == 0x81 && at(2) == 0x9F) ||
+                     (!integer && at(0) == 0xEF && at(1) == 0xBB && at(2) == 0xBF);
+  return space ? 3 : 0;
+}
+
+/// Skips what the platform passes over before an integer and after its
+/// sign: every byte up to the space, DEL, the bytes 0x80 to 0xA0 even where
+/// they are not UTF-8, and some Unicode spaces.
+std::string_view skipIntegerFiller(std::string_view text) {
+  while (!text.empty()) {
+    const auto c = static_cast<unsigned char>(text.front());
+    const std::size_t length =
+        c <= 0x20 || (c >= 0x7F && c <= 0xA0) ? 1 : unicodeSpaceLength(text, true);
+    if (length == 0) break;
+    text.remove_prefix(length);
+  }
+  return text;
+}
+
+/// Skips what the platform passes over before a real (not after its sign):
+/// control characters, the space, DEL and some Unicode spaces.
+std::string_view skipRealFiller(std::string_view text) {
+  while (!text.empty()) {
+    const auto c = static_cast<unsigned char>(text.front());
+    const std::size_t length = c <= 0x20 || c == 0x7F ? 1 : unicodeSpaceLength(text, false);
+    if (length == 0) break;
+    text.remove_prefix(length);
   }
   return text;
 }
 
 /// Decimal or 0x-prefixed hexadecimal with an optional sign, within the
-/// range a property-list integer can hold: -2^63 to 2^64-1.
+/// range a property-list integer can hold: -2^63 to 2^64-1. `text` is the
+/// element's raw bytes: references and CDATA are not read there.
 bool isPlistInteger(std::string_view text) {
-  text = skipLeadingBlanks(text);
+  text = skipIntegerFiller(text);
   bool negative = false;
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
     negative = text.front() == '-';
-    text = skipLeadingBlanks(text.substr(1));  // an integer's sign may stand apart
+    text = skipIntegerFiller(text.substr(1));  // an integer's sign may stand apart
   }
   std::uint64_t base = 10;
   if (text.size() > 2 && text[0] == '0' && asciiLower(text[1]) == 'x') {
@@ -102,7 +135,7 @@ bool isPlistReal(std::string_view text) {
       equalsIgnoringAsciiCase(word, "infinity")) {
     return true;
   }
-  text = skipLeadingBlanks(text);
+  text = skipRealFiller(text);
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
   std::size_t pos = countDigits(text, 0);
   std::size_t mantissaDigits = pos;
@@ -122,34 +155,41 @@ bool isPlistReal(std::string_view text) {
   return pos == text.size();
 }
 
-bool isLeapYear(int year) {
-  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-}
-
-int daysInMonth(int year, int month) {
-  static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && isLeapYear(year) ? 29 : kDays[month - 1];
-}
-
-/// "YYYY-MM-DDTHH:MM:SSZ" naming a real instant (UTC, no leap seconds),
-/// with nothing around it.
+/// "YYYY-MM-DDTHH:MM:SSZ" with nothing around it, as the element's raw
+/// bytes. As on the platform, the year may have a "-" and any number of
+/// digits, none included, and the fields are not checked against the
+/// calendar: "2021-02-30" is read as March 2nd, "T24:00:00" as the next day.
 bool isPlistDate(std::string_view text) {
-  constexpr std::string_view kShape = "dddd-dd-ddTdd:dd:ddZ";
+  if (!text.empty() && text.front() == '-') text.remove_prefix(1);
+  text.remove_prefix(countDigits(text, 0));
+  constexpr std::string_view kShape = "-dd-ddTdd:dd:ddZ";
   if (text.size() != kShape.size()) return false;
   for (std::size_t i = 0; i < kShape.size(); ++i) {
     if (kShape[i] == 'd' ? !isDigit(text[i]) : text[i] != kShape[i]) return false;
   }
-  const auto field = [&](std::size_t at, std::size_t width) {
-    int value = 0;
-    for (std::size_t i = at; i < at + width; ++i) value = value * 10 + (text[i] - '0');
-    return value;
-  };
-  const int year = field(0, 4);
-  const int month = field(5, 2);
-  if (month < 1 || month > 12) return false;
-  const int day = field(8, 2);
-  return day >= 1 && day <= daysInMonth(year, month) && field(11, 2) <= 23 && field(14, 2) <= 59 &&
-         field(17, 2) <= 59;
+  return true;
+}
+
+/// Whether an encoding name names UTF-8 when compared as the platform
+/// compares them: ASCII case, ASCII characters other than letters and
+/// digits, and the zeros that begin a number are ignored ("utf8", "UTF_08",
+/// "!UTF-8" all match); a byte above 0x7F matches nothing.
+bool namesUtf8(std::string_view name) {
+  std::string folded;
+  bool afterDigit = false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (static_cast<unsigned char>(c) >= 0x80) return false;
+    const bool digit = isDigit(c);
+    if (!digit && (asciiLower(c) < 'a' || asciiLower(c) > 'z')) {
+      afterDigit = false;  // punctuation, blanks and controls
+      continue;
+    }
+    if (c == '0' && !afterDigit && i + 1 < name.size() && isDigit(name[i + 1])) continue;
+    afterDigit = digit;
+    folded += asciiLower(c);
+  }
+  return folded == "utf8";
 }
 
 struct Tag {
@@ -164,8 +204,9 @@ class XmlPlistReader {
 
   std::optional<PlistStringDictionary> read() {
     constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
-    if (startsWith(kUtf8Bom)) pos_ = kUtf8Bom.size();
-    if (!readProlog()) return std::nullopt;
+    // A byte-order mark outweighs any encoding the declaration names.
+    const bool marked = consume(kUtf8Bom);
+    if (!readProlog(marked)) return std::nullopt;
 
     // The value stands inside <plist>, or alone; as on the platform,
     // nothing after it is read.
@@ -214,10 +255,10 @@ class XmlPlistReader {
 
   /// The XML declaration, then whitespace, comments, processing
   /// instructions and DOCTYPEs, up to the root's "<".
-  bool readProlog() {
+  bool readProlog(bool marked) {
     if (startsWith("<?xml") && pos_ + 5 < in_.size() && isXmlSpace(in_[pos_ + 5])) {
       pos_ += 5;
-      if (!readXmlDeclaration()) return false;
+      if (!readXmlDeclaration(marked)) return false;
     }
     while (true) {
       if (!skipMisc()) return false;
@@ -229,20 +270,24 @@ class XmlPlistReader {
 
   /// The rest of the declaration, whose attributes are not checked, as on
   /// the platform; only a declared encoding other than UTF-8 is refused.
-  bool readXmlDeclaration() {
+  /// As there, the name is what stands between the quotes right after the
+  /// first "encoding=" in the declaration (wherever it is); with no quote
+  /// there or none to close it, or after a byte-order mark, the text is UTF-8.
+  bool readXmlDeclaration(bool marked) {
     const std::size_t end = in_.find("?>", pos_);
     if (end == std::string_view::npos) return false;
-    const std::string_view declaration = in_.substr(pos_, end - pos_);
+    constexpr std::string_view kEncoding = "encoding=";
+    const std::size_t name = in_.substr(pos_, end - pos_).find(kEncoding);
+    const std::size_t start = pos_;
     pos_ = end + 2;
-    const std::size_t name = declaration.find("encoding");
-    if (name == std::string_view::npos) return true;
-    std::string_view rest = skipLeadingBlanks(declaration.substr(name + 8));
-    if (rest.empty() || rest.front() != '=') return true;
-    rest = skipLeadingBlanks(rest.substr(1));
+    if (marked || name == std::string_view::npos) return true;
+    // The closing quote is looked for in the whole file, past the "?>".
+    const std::string_view rest = in_.substr(start + name + kEncoding.size());
     if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return true;
     const std::size_t close = rest.find(rest.front(), 1);
-    return close != std::string_view::npos &&
-           equalsIgnoringAsciiCase(rest.substr(1, close - 1), "UTF-8");
+    if (close == std::string_view::npos) return true;
+    const std::string_view encoding = rest.substr(1, close - 1);
+    return namesUtf8(encoding.substr(0, encoding.find('\0')));  // the name ends at a NUL
   }
 
   /// Skips "<!DOCTYPE ...>" up to its first ">". As on the platform, an
@@ -390,7 +435,42 @@ class XmlPlistReader {
   /// on the platform.
   bool readLeafText(const Tag& tag, std::string* text) {
     if (tag.isEmpty) return true;
-    return readText(text) && isValidUtf8(*text) && readEndTag(tag.name);
+    return readText(text) && repairUtf8(text) && readEndTag(tag.name);
+  }
+
+  /// The text of an element read as its bytes up to the next "<", then its
+  /// end tag; as on the platform for integers and dates, references and
+  /// CDATA are not read there.
+  bool readRawText(const Tag& tag, std::string_view* text) {
+    if (tag.isEmpty) return true;
+    const std::size_t end = in_.find('<', pos_);
+    if (end == std::string_view::npos) return false;
+    *text = in_.substr(pos_, end - pos_);
+    pos_ = end;
+    return readEndTag(tag.name);
+  }
+
+  /// Checks that `text` is UTF-8, except that, as on the platform, a byte
+  /// 0xA9 where a character would begin stands for U+FFFD; every other stray
+  /// byte makes the text invalid.
+  static bool repairUtf8(std::string* text) {
+    if (isValidUtf8(*text)) return true;
+    std::string repaired;
+    for (std::size_t i = 0; i < text->size();) {
+      const auto c = static_cast<unsigned char>((*text)[i]);
+      const unsigned length = c < 0x80 ? 1 : utf8SequenceLength(text->data() + i, text->size() - i);
+      if (length != 0) {
+        repaired.append(*text, i, length);
+        i += length;
+      } else if (c == 0xA9) {
+        repaired += "\xEF\xBF\xBD";
+        ++i;
+      } else {
+        return false;
+      }
+    }
+    *text = std::move(repaired);
+    return true;
   }
 
   /// One value whose start tag has been read. `depth` is the nesting level
@@ -411,6 +491,11 @@ class XmlPlistReader {
       pos_ = end;
       return readEndTag("data");
     }
+    if (tag.name == "integer" || tag.name == "date") {
+      std::string_view raw;
+      if (!readRawText(tag, &raw)) return false;
+      return tag.name == "integer" ? isPlistInteger(raw) : isPlistDate(raw);
+    }
     std::string text;
     if (!readLeafText(tag, &text)) return false;
     if (tag.name == "string") {
@@ -418,9 +503,7 @@ class XmlPlistReader {
       return true;
     }
     if (tag.name == "true" || tag.name == "false") return text.empty();
-    if (tag.name == "integer") return isPlistInteger(text);
     if (tag.name == "real") return isPlistReal(text);
-    if (tag.name == "date") return isPlistDate(text);
     return false;
   }
 

@@ -64,6 +64,12 @@ TEST(PlistXml, ReadsTheStringEntriesOfWellFormedLists) {
       // ">", nothing after the root, "&#0;" and "&#;" as NUL.
       {"<dict><key>a</key><string>&#0;&#;</string></dict>text", {{"a", "\0\0"s}}},
       {"<plist version=1.0><dict/></plist><plist/><?xml version=\"1.0\"?>", {}},
+      // Encoding names compared loosely, a byte-order mark before any, a
+      // stray 0xA9 in text as U+FFFD.
+      {"<?xml version='1.0' encoding='!utf_08\0x'?><dict><key>\xA9</key><string>a\xA9</string></dict>"s,
+       {{"\xEF\xBF\xBD", "a\xEF\xBF\xBD"}}},
+      {"\xEF\xBB\xBF<?xml encoding=\"latin1\"?><dict/>", {}},
+      {"<?xml encoding=\"UTF-8?><!--\"--><dict/>", {}},
       {plist("<dict><key>k</key>" + nested("array", 127) + "</dict>"), {}},
       {plist(nested("dict", 128)), {}},
   };
@@ -78,6 +84,8 @@ TEST(PlistXml, RejectsMalformedLists) {
   std::vector<std::string> rejected(
       {""s, "   "s, "<?xml version=\"1.0\"?>"s, "<plist/>"s, "<!--><plist><dict/></plist>"s,
        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><plist><dict/></plist>"s,
+       "<?xml encoding=\"UTF\0\x38\"?><dict/>"s,
+       "<?xml encoding='UTF-8?><dict><key>'</key></dict>"s,
        "<plist/version=\"1.0\"><dict/></plist>"s, "<plist version=\"1>0\"><dict/></plist>"s,
        "<!DOCTYPE plist [<!ENTITY e \"x\">]><plist><dict/></plist>"s, "\xFF\xFE<\0p\0"s});
   // ...what the plist element holds...
@@ -93,9 +101,10 @@ TEST(PlistXml, RejectsMalformedLists) {
        {"<string>b</key>"s, ""s, "<string>b</string>stray"s, "<string>b<b/></string>"s, "<foo/>"s,
         "<key>b</key>"s, "<string>&nbsp;</string>"s, "<string>&amp</string>"s,
         "<string>&#xD800;</string>"s, "<string>&#x110000;</string>"s,
-        "<string><![CDATA[x</string>"s, "<string>\xC3</string>"s, "<string>\xED\xA0\x80</string>"s,
-        "<string>x<!--->y</string>"s, "<string>x<!--c-->y</string>"s, "<string>x<?pi?>y</string>"s,
-        "<integer>1 </integer>"s, "<real> inf</real>"s}) {
+        "<string><![CDATA[x</string>"s, "<string>\xC3</string>"s, "<string>\x80</string>"s,
+        "<string>\xED\xA0\x80</string>"s, "<string>x<!--->y</string>"s,
+        "<string>x<!--c-->y</string>"s, "<string>x<?pi?>y</string>"s, "<integer>1 </integer>"s,
+        "<real> inf</real>"s}) {
     rejected.push_back(plist("<dict><key>a</key>" + value + "</dict>"));
   }
   for (const auto& input : rejected) {
@@ -106,16 +115,20 @@ TEST(PlistXml, RejectsMalformedLists) {
 TEST(PlistXml, ChecksTheTextOfEveryScalarKind) {
   // Each kind of element with texts it takes, then texts it refuses.
   const std::tuple<std::string, std::vector<std::string>, std::vector<std::string>> cases[] = {
-      // Blanks may come before the number and after its sign.
+      // Controls and some spaces may come before the number, and for an
+      // integer (its raw text) after its sign, but nothing after it.
       {"integer",
-       {"+0", "\f- 7", "-0X7fffFFFFffffFFFF"},
-       {"18446744073709551616", "-9223372036854775809", "1 2", "0x", ""}},
-      {"real", {"1.", ".5E-7", "-Infinity"}, {"- 1", "1e", ".", "1.2.3", "0x10"}},
+       {"+0", "\f- 7", "\x10-\x80\x7F\xE3\x80\x80\x35", "-0X7fffFFFFffffFFFF"},
+       {"18446744073709551616", "-9223372036854775809", "1 2", "1\x10", "&#49;", "0x", ""}},
+      {"real",
+       {"1.", ".5E-7", "\x10\xC2\xA0-0", "&#16;1", "-Infinity"},
+       {"- 1", "-\x10\x31", "\x10nan", "1e", ".", "1.2.3", "0x10"}},
+      // Any number of year digits; the fields are not checked.
       {"date",
-       {"2000-02-29T00:00:00Z"},
-       {"1900-02-29T00:00:00Z", "2021-04-31T00:00:00Z", "2021-13-01T00:00:00Z",
-        "2021-01-01T24:00:00Z", "2021-01-01T00:00:60Z", "2021-01-01 00:00:00Z",
-        "2021-01-01T00:00:00"}},
+       {"2000-02-29T00:00:00Z", "582-10-15T12:00:00Z", "--01-01T00:00:00Z",
+        "20200-13-32T24:60:60Z"},
+       {"-01-01T00:00:00Z", "&#50;021-01-01T00:00:00Z", "2021-01-01 00:00:00Z",
+        "2021-01-01T00:00:00", "2021-1-01T00:00:00Z"}},
       // Data is never refused for its base64, as on the platform, but must be UTF-8.
       {"data", {"", "QUJD RA=\n=", "QUJDRA", "QU*J="}, {"\xFF"}},
       {"true", {""}, {"x"}},
@@ -197,12 +210,14 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
   std::vector<std::pair<std::string, Dict>> cases;
   {
     Bplist b;
-    const std::string v(20, 'v');
+    const std::string v(40, 'v');
     const auto k = b.utf16({0x00E9, 0xD83D, 0xDE00});
     const auto shared = b.ascii(v);
     const auto again = b.ascii("again");
-    cases.emplace_back(b.build(b.dict({{k, shared}, {again, shared}, {b.ascii(""), b.utf16({})}})),
-                       Dict{{"\xC3\xA9\xF0\x9F\x98\x80", v}, {"again", v}, {"", ""}});
+    // A second offset may name the same bytes.
+    cases.emplace_back(
+        b.build(b.dict({{k, shared}, {again, shared}, {b.ascii(""), b.alias(shared)}})),
+        Dict{{"\xC3\xA9\xF0\x9F\x98\x80", v}, {"again", v}, {"", v}});
   }
   {
     Bplist b;
@@ -210,9 +225,9 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
     b.offsetSize = 3;
     std::vector<std::pair<std::uint64_t, std::uint64_t>> entries;
     for (const std::string& scalar :
-         {"\x00"s, "\x08"s, "\x09"s, "\x0F"s, "\x10\x01"s, "\x11\x01\x02"s, "\x12\0\0\0\1"s,
+         {"\x00"s, "\x08"s, "\x09"s, "\x10\x01"s, "\x11\x01\x02"s, "\x12\0\0\0\1"s,
           "\x13\0\0\0\0\0\0\0\1"s, "\x22\0\0\0\0"s, "\x23\0\0\0\0\0\0\0\0"s,
-          "\x33\0\0\0\0\0\0\0\0"s, "\x42zz"s, "\x80\x01"s, "\x83\0\0\0\1"s}) {
+          "\x33\0\0\0\0\0\0\0\0"s, "\x42zz"s, "\x80\x01"s, "\x87\0\0\0\0\xFF\0\0\1"s}) {
       const auto key = b.ascii(std::to_string(entries.size()));
       entries.emplace_back(key, b.add(scalar));
     }
@@ -223,6 +238,8 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
     entries.emplace_back(b.ascii("dup"), b.ascii("last"));
     entries.emplace_back(b.ascii("gone"), b.ascii("string"));
     entries.emplace_back(b.ascii("gone"), inner);
+    // Keys of any kind but a container; those at the root are passed over.
+    entries.emplace_back(b.add("\x10\x07"), b.dict({{b.add("\x33\0\0\0\0\0\0\0\0"s), inner}}));
     cases.emplace_back(b.build(b.dict(entries)), Dict{{"dup", "first"}, {"gone", "string"}});
   }
   {
@@ -234,6 +251,12 @@ TEST(PlistBinary, ReadsTheStringEntriesOfWellFormedLists) {
         b.build(b.dict({{b.ascii("\x80\xFF"), b.utf16({0xD800, 0x41, 0xDC00, 0xD800})}}));
     cases.emplace_back(input, expected);
     cases.emplace_back(input.replace(6, 2, "0x"), expected);
+  }
+  {
+    // An offset inside the header is refused only when its object is read.
+    std::string unread = encoded({"\x51k", "\x51v", "\xD1\x00\x01"s, "\x51x"}, 2);
+    unread[unread.size() - 33] = '\0';
+    cases.emplace_back(unread, Dict{{"k", "v"}});
   }
   {
     // 128 levels are allowed, and a diamond-shaped graph of shared
@@ -266,8 +289,8 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
       "bplist10" + good.substr(8),
       good.substr(0, good.size() - 32) + "\0"s + good.substr(good.size() - 32),  // a gap
       encoded({"\x5A"s + "array root", "\xA1\x00"s}, 1),
-      encoded({"\x10\x01", "\x51v", "\xD1\x00\x01"s}, 2),                       // an integer key
-      encoded({"\0"s, "\x51v", "\xD1\x00\x01"s, "\x51k", "\xD1\x03\x02"s}, 4),  // one deeper down
+      encoded({"\xA0", "\x51v", "\xD1\x00\x01"s}, 2),                             // an array key
+      encoded({"\xA0"s, "\x51v", "\xD1\x00\x01"s, "\x51k", "\xD1\x03\x02"s}, 4),  // one deeper down
       encoded({"\x51k", "\xD1\x00\x01"s}, 1),                           // the dict holds itself
       encoded({"\xA1\x01", "\xC1\x00"s, "\x51k", "\xD1\x02\x00"s}, 3),  // an array and a set
       encoded({"\x51k", "\xD1\x00\x09"s}, 1),                           // a reference past the end
@@ -308,8 +331,8 @@ TEST(PlistBinary, RejectsTruncatedAndHostileLists) {
   // Values whose marker or length cannot hold.
   for (const std::string& bytes :
        {Bplist::marker(5, 0x7FFFFFFFFFFFFFFF) + "v", Bplist::marker(0xA, UINT64_MAX) + "v",
-        "\x4F\x14" + std::string(8, 'x'), "\x15"s, "\x21\0\0"s, "\x32\0\0\0\0"s, "\x70"s,
-        "\x13\0"s}) {
+        "\x4F\x14" + std::string(8, 'x'), "\x15"s, "\x21\0\0"s, "\x32\0\0\0\0"s, "\x70"s, "\x13\0"s,
+        "\x0F"s, "\x60"s, "\x84\x01\0\0\0\0"s}) {
     hostile.push_back(encoded({"\x51k", bytes, "\xD1\x00\x01"s}, 2));
   }
   for (std::size_t i = 0; i < hostile.size(); ++i) {

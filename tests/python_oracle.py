@@ -74,7 +74,7 @@ def value(binary, depth):
         "date": lambda: datetime.datetime(RNG.randint(1, 9999), RNG.randint(1, 12), RNG.randint(1, 28),
                                           RNG.randint(0, 23), RNG.randint(0, 59), RNG.randint(0, 59)),
         "data": lambda: RNG.randbytes(RNG.randint(0, 40)),
-        "uid": lambda: plistlib.UID(RNG.randint(0, 2**32)),
+        "uid": lambda: plistlib.UID(RNG.randint(0, 2**32 - 1)),
         "list": lambda: [value(binary, depth + 1) for _ in range(RNG.randint(0, 4))],
         "dict": lambda: {text(): value(binary, depth + 1) for _ in range(RNG.randint(0, 4))},
     }[kind]()
