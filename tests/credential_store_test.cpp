@@ -151,9 +151,8 @@ TEST(CredentialStore, SavesOnlyWhatLoadsBackAndKeepsTheOldFileOtherwise) {
 
 // The process-wide store: made on first use only, once, by whichever
 // thread comes first. It loads once per process, so each test runs its body
-// in a fresh one: the test binary started again for that test alone.
+// in a child forked from a process that never touches the store.
 void inFreshProcess(const std::function<void()>& body) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
         body();
