@@ -21,6 +21,62 @@ func takeText(_ text: UnsafeMutablePointer<CChar>?) -> String? {
     return String(cString: text)
 }
 
+/// A text that a C function writes into the caller's buffer (see
+/// tavuro_Credential_copyTavuroAuthHeader), built in the string's own storage:
+/// one allocation, no C copy to free. `nil` when the C function has no text.
+@inline(__always)
+func copiedText(_ copy: (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool) -> String? {
+    var length = 0
+    guard copy(nil, 0, &length) else { return nil }
+    // The text may change between the calls; then ask again with its new length.
+    while length > 0 {
+        var needed = 0
+        var present = true
+        let text = String(unsafeUninitializedCapacity: length) { buffer in
+            let chars = UnsafeMutableRawPointer(buffer.baseAddress).map { $0.assumingMemoryBound(to: CChar.self) }
+            present = copy(chars, buffer.count, &needed)
+            return present && needed <= buffer.count ? needed : 0
+        }
+        guard present else { return nil }
+        if needed <= length { return text }
+        length = needed
+    }
+    return ""
+}
+
+/// The text of a C buffer function, made again only when a revision number
+/// from the library changes; safe to use from any thread.
+final class KeptText: @unchecked Sendable {
+    typealias Copy = (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool
+    private let copy: Copy
+    private let revision: () -> UInt64
+    private let lock = NSLock()
+    private var keptRevision: UInt64 = 0  // 0: nothing kept; guarded by `lock`
+    private var kept: String?  // guarded by `lock`
+
+    init(_ copy: @escaping Copy, revision: @escaping () -> UInt64) {
+        self.copy = copy
+        self.revision = revision
+    }
+
+    func text() -> String? {
+        // Read before the copy: a change in between leaves a newer number behind, never an old text.
+        let now = revision()
+        lock.lock()
+        if now != 0 && now == keptRevision {
+            defer { lock.unlock() }
+            return kept
+        }
+        lock.unlock()
+        let text = copiedText(copy)
+        lock.lock()
+        keptRevision = now
+        kept = text
+        lock.unlock()
+        return text
+    }
+}
+
 /// Runs `body` on the NUL-terminated UTF-8 of `text` (NULL for `nil`).
 @inline(__always)
 func withText<R>(_ text: String?, _ body: (UnsafePointer<CChar>?) -> R) -> R {
