@@ -164,13 +164,23 @@ enum JsonScalar {
     case other
 
     private static let booleanClass: AnyClass = type(of: NSNumber(value: true))
+    /// The class of the numbers that this module and Foundation's reader make.
+    private static let numberClass: AnyClass = type(of: NSNumber(value: Int64(0)))
 
+    @inline(__always)
     init(_ value: Any) {
-        // The type test first: a cast alone would also box a Swift number.
-        if type(of: value) is NSNumber.Type, let number = value as? NSNumber {
+        // The type tests first: a cast alone would also box a Swift number, and casting an
+        // NSNumber to a Swift number type goes through the bridge, hundreds of times slower.
+        // The common class is compared for identity before any walk up the class hierarchy.
+        let kind = type(of: value)
+        if kind == JsonScalar.numberClass || kind is NSNumber.Type, let number = value as? NSNumber {
             self.init(number: number)
             return
         }
+        self.init(swiftValue: value)
+    }
+
+    private init(swiftValue value: Any) {
         switch value {
         case let x as Bool: self = .boolean(x)
         case let x as Int: self = .signed(Int64(x))
@@ -235,9 +245,9 @@ enum JsonScalar {
 }
 
 enum Irregular {
+    @inline(__always)
     static func lookUp(_ jsonDict: [String: Any]?, _ key: String) -> Any? {
-        guard let jsonDict, let value = jsonDict[key] else { return nil }
-        return value
+        jsonDict?[key]
     }
 
     static func Utils_getIntValue(jsonDict: [String: Any]?, key: String) -> Int64 {
