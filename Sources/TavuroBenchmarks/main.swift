@@ -90,14 +90,15 @@ let (swiftInt, cxxInt) = bestNanos(callIterations * 10, {
 }, { tavuro_bench_cxx_getIntValue(small, "Age", callIterations * 10, 1) })
 print(padded("Utils.getIntValue(jsonDict:key:)", 34)
       + String(format: "%@  %@  %6.2fx", figure(swiftInt), figure(cxxInt), swiftInt / cxxInt))
-// The floor: what any getter on a [String: Any] pays before it reads the number, and what
-// reaching the number's class adds. Both are beyond the Swift layer's reach.
+// The floor, beyond the Swift layer's reach: the [String: Any] lookup that any getter makes, and
+// the two reads of an NSNumber that tell whether it holds an integer and which.
 let plain = dictionary ?? [:]
-let (lookup, cast) = bestNanos(callIterations * 10, { plain["Age"] != nil ? 1 : 0 }, {
-    nanos(callIterations * 10) { plain["Age"] as? NSNumber != nil ? 1 : 0 }
+let age = plain["Age"] as? NSNumber ?? NSNumber(value: 0)
+let (lookup, reads) = bestNanos(callIterations * 10, { plain["Age"] != nil ? 1 : 0 }, {
+    nanos(callIterations * 10) { Int(age.objCType.pointee) &+ Int(age.int64Value) }
 })
 print(padded("  floor: [String: Any] lookup", 34)
       + String(format: "%@  %@  %6.2fx", figure(lookup), figure(cxxInt), lookup / cxxInt))
-print(padded("  floor: lookup, cast to NSNumber", 34)
-      + String(format: "%@  %@  %6.2fx", figure(cast), figure(cxxInt), cast / cxxInt))
+print(padded("  floor: + objCType, int64Value", 34)
+      + String(format: "%@  %@  %6.2fx", figure(lookup + reads), figure(cxxInt), (lookup + reads) / cxxInt))
 if sink == 42 { print("") }

@@ -171,13 +171,16 @@ enum JsonScalar {
     init(_ value: Any) {
         // The type tests first: a cast alone would also box a Swift number, and casting an
         // NSNumber to a Swift number type goes through the bridge, hundreds of times slower.
-        // The common class is compared for identity before any walk up the class hierarchy.
         let kind = type(of: value)
-        if kind == JsonScalar.numberClass || kind is NSNumber.Type, let number = value as? NSNumber {
+        if kind == JsonScalar.numberClass {
+            // Exactly that class, so the existential holds the reference itself in its first
+            // word: read it there instead of paying for a dynamic cast.
+            self.init(number: withUnsafeBytes(of: value) { $0.load(as: NSNumber.self) })
+        } else if kind is NSNumber.Type, let number = value as? NSNumber {
             self.init(number: number)
-            return
+        } else {
+            self.init(swiftValue: value)
         }
-        self.init(swiftValue: value)
     }
 
     private init(swiftValue value: Any) {
@@ -217,6 +220,7 @@ enum JsonScalar {
     }
 
     /// The value as `Int64` when it is a number exactly representable there.
+    @inline(__always)
     var exactInt64: Int64? {
         switch self {
         case .signed(let x): return x
@@ -230,6 +234,7 @@ enum JsonScalar {
     }
 
     /// The value as `Double` when it is a number exactly representable there.
+    @inline(__always)
     var exactDouble: Double? {
         switch self {
         case .floating(let d): return d
