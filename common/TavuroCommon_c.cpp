@@ -417,6 +417,7 @@ tavuro_TavuroJwtToken* tavuro_Credential_getToken(void) {
 }
 
 bool tavuro_Credential_copyTavuroAuthHeader(char* buffer, size_t capacity, size_t* length) {
+  if (length != nullptr) *length = 0;  // also when the store cannot be made
   return guarded<bool>(false, [&] {
     std::string_view head;
     std::string_view tail;
@@ -431,6 +432,7 @@ uint64_t tavuro_Credential_headerRevision(void) {
 }
 
 bool tavuro_Credential_copyBasicAuthHeader(char* buffer, size_t capacity, size_t* length) {
+  if (length != nullptr) *length = 0;  // also when the store cannot be made
   return guarded<bool>(false, [&] {
     const std::optional<std::string>& header =
         tavuro::detail::sharedCredentialStore().basicAuthHeader();

@@ -602,14 +602,14 @@ TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints*
 TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_Credential_getToken(void);
 
 /** The "Authorization" value of tavuro_Credential_getTavuroAuthHeader,
- * written into the caller's `buffer` instead of a new copy, as UTF-8 without
- * a terminating NUL. Returns false (and 0 in `*length`) when there is no
- * header. Otherwise sets `*length` to the header's length in bytes and
- * returns true; the bytes are written only when that length is at most
- * `capacity` (followed by a NUL when there is room for one), and when it is
- * larger nothing is written: call again with a buffer of at least `*length`
- * bytes. `buffer` may be NULL when `capacity` is 0, and `length` may be NULL.
- * The caller owns the buffer; the library keeps nothing of it. */
+ * written as UTF-8 into the caller's `buffer` instead of a new copy. Returns
+ * false (and 0 in `*length`) when there is no header. Otherwise sets
+ * `*length` to the header's length in bytes, NUL not counted, and returns
+ * true; the bytes are written only when that length is at most `capacity`,
+ * followed by a NUL only when there is room for one. When it is larger,
+ * nothing is written: call again with a buffer of at least `*length`
+ * bytes. `buffer` may be NULL when `capacity` is 0, and `length` may be
+ * NULL. The caller owns the buffer; the library keeps nothing of it. */
 TAVURO_EXPORT bool tavuro_Credential_copyTavuroAuthHeader(char* buffer, size_t capacity,
                                                           size_t* length);
 /** The value of tavuro_Credential_getBasicAuthHeader, written into the
