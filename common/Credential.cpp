@@ -137,6 +137,7 @@ CredentialStore::CredentialStore(Environment environment)
     subscription_.reset();
     endpoints_.reset();
     basicAuthHeader_.reset();
+    ++headerRevision_;
   }
 }
 
@@ -185,12 +186,14 @@ bool CredentialStore::setToken(const std::string& token) {
   // or not, stays: a failed call never removes anything.
   if (!parsed || !parsed->isValidAt(environment_.now())) return false;
   token_ = std::move(parsed);
+  ++headerRevision_;
   return true;
 }
 
 bool CredentialStore::removeToken() noexcept {
   if (!token_) return false;
   token_.reset();
+  ++headerRevision_;
   return true;
 }
 
@@ -201,12 +204,26 @@ bool CredentialStore::hasCredentialsOrToken() const noexcept {
 }
 
 std::optional<std::string> CredentialStore::tavuroAuthHeader() const {
-  // The token's expiry is deliberately not looked at here.
+  // The token's expiry is deliberately not looked at here, nor in
+  // tavuroAuthHeaderParts, which must give the same value.
   if (token_) return "Bearer " + token_->value();
   return basicAuthHeader_;
 }
 
+bool CredentialStore::tavuroAuthHeaderParts(std::string_view& head,
+                                            std::string_view& tail) const noexcept {
+  if (token_) {
+    head = "Bearer ";
+    tail = token_->value();
+    return true;
+  }
+  head = basicAuthHeader_ ? std::string_view(*basicAuthHeader_) : std::string_view();
+  tail = std::string_view();
+  return basicAuthHeader_.has_value();
+}
+
 void CredentialStore::refreshBasicAuthHeader() {
+  ++headerRevision_;
   if (!username_ || !password_) {
     basicAuthHeader_.reset();
     return;

@@ -4,6 +4,7 @@
 #ifndef TAVURO_COMMON_CREDENTIALSTORE_H_
 #define TAVURO_COMMON_CREDENTIALSTORE_H_
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -89,6 +90,15 @@ class CredentialStore {
   /// non-empty, or a token is stored; the endpoint is the caller's check.
   [[nodiscard]] bool hasCredentialsOrToken() const noexcept;
   [[nodiscard]] std::optional<std::string> tavuroAuthHeader() const;
+  /// The "Authorization" value as two views to be joined, valid until the
+  /// store next changes, so that a caller can copy it without building it
+  /// first: "Bearer " and the token, or the Basic value and "". False (both
+  /// views empty) when there is no header.
+  bool tavuroAuthHeaderParts(std::string_view& head, std::string_view& tail) const noexcept;
+  /// A number that changes whenever either header may have changed (a new
+  /// user name, password or token), so that a caller may keep a header it
+  /// made until then.
+  [[nodiscard]] std::uint64_t headerRevision() const noexcept { return headerRevision_; }
 
  private:
   void saveFile() const;
@@ -104,6 +114,7 @@ class CredentialStore {
   // Built whenever the user name or password changes, so that the header
   // asked for on every request costs one copy.
   std::optional<std::string> basicAuthHeader_;
+  std::uint64_t headerRevision_ = 1;  // never 0, which stands for "unknown"
 };
 
 /// The process-wide store, made and loaded on first use under the once-only

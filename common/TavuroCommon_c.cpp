@@ -17,6 +17,7 @@
 
 #include "TavuroCommon/TavuroCommon.h"
 #include "TavuroCommon/TavuroCommon_c.h"
+#include "common/CredentialStore.h"
 #include "common/JsonAccess.h"
 
 // The C enumerations carry the C++ values unchanged.
@@ -155,6 +156,20 @@ char* copyText(std::string_view text) noexcept {
   if (!text.empty()) std::memcpy(copy, text.data(), text.size());
   copy[text.size()] = '\0';
   return copy;
+}
+
+// Writes `head` and `tail` into the caller's buffer when both fit, with a
+// NUL after them when there is room; `*length` gets their joint length
+// either way (0 when absent). Returns `present`.
+bool copyTextInto(bool present, std::string_view head, std::string_view tail, char* buffer,
+                  size_t capacity, size_t* length) noexcept {
+  const std::size_t size = present ? head.size() + tail.size() : 0;
+  if (length != nullptr) *length = size;
+  if (!present || buffer == nullptr || size > capacity) return present;
+  if (!head.empty()) std::memcpy(buffer, head.data(), head.size());
+  if (!tail.empty()) std::memcpy(buffer + head.size(), tail.data(), tail.size());
+  if (size < capacity) buffer[size] = '\0';
+  return true;
 }
 
 // NULL for an absent text.
@@ -399,6 +414,31 @@ tavuro_JsonDictionary* tavuro_Utils_convertToDictionaryWithBytes_length(const ch
 tavuro_TavuroJwtToken* tavuro_Credential_getToken(void) {
   return guarded<tavuro_TavuroJwtToken*>(
       nullptr, [&] { return wrap<tavuro_TavuroJwtToken>(tavuro::Credential::getToken()); });
+}
+
+bool tavuro_Credential_copyTavuroAuthHeader(char* buffer, size_t capacity, size_t* length) {
+  if (length != nullptr) *length = 0;  // also when the store cannot be made
+  return guarded<bool>(false, [&] {
+    std::string_view head;
+    std::string_view tail;
+    const bool present = tavuro::detail::sharedCredentialStore().tavuroAuthHeaderParts(head, tail);
+    return copyTextInto(present, head, tail, buffer, capacity, length);
+  });
+}
+
+uint64_t tavuro_Credential_headerRevision(void) {
+  return guarded<uint64_t>(0,
+                           [] { return tavuro::detail::sharedCredentialStore().headerRevision(); });
+}
+
+bool tavuro_Credential_copyBasicAuthHeader(char* buffer, size_t capacity, size_t* length) {
+  if (length != nullptr) *length = 0;  // also when the store cannot be made
+  return guarded<bool>(false, [&] {
+    const std::optional<std::string>& header =
+        tavuro::detail::sharedCredentialStore().basicAuthHeader();
+    return copyTextInto(header.has_value(), header ? std::string_view(*header) : std::string_view(),
+                        std::string_view(), buffer, capacity, length);
+  });
 }
 
 size_t tavuro_JsonArray_count(const tavuro_JsonArray* array) {

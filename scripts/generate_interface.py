@@ -104,6 +104,9 @@ class Interface:
                 problems.append("%s: unknown stop %r" % (where, member["stops"]))
             if member.get("c") not in (None, "manual", "none"):
                 problems.append("%s: unknown C treatment %r" % (where, member["c"]))
+            if "c_buffer" in member and (member.get("kind") != "static" or member.get("args")
+                                         or member.get("result") not in ("text", "text?")):
+                problems.append("%s: c_buffer is for static text results without arguments" % where)
         seen = set()
         for entry in self.errors["entries"]:
             if ("code" in entry) != ("value" in entry):
@@ -521,8 +524,11 @@ def manual_problems(interface, c_header):
     problems = []
     for cls in interface.classes:
         for member in cls["members"]:
-            if "c_function" in member and member["c_function"] not in declared:
-                problems.append("%s is not declared in %s" % (member["c_function"], C_HEADER))
+            for key in ("c_function", "c_buffer"):
+                if key in member and member[key] not in declared:
+                    problems.append("%s is not declared in %s" % (member[key], C_HEADER))
+        if "c_revision" in cls and cls["c_revision"] not in declared:
+            problems.append("%s is not declared in %s" % (cls["c_revision"], C_HEADER))
             if member.get("c") == "manual":
                 problems += ["%s is written by hand but not declared in %s" % (function, C_HEADER)
                              for function, _ in c_functions(cls["name"], member) if function not in declared]

@@ -309,7 +309,20 @@ class SwiftWriter:
             arrow = "" if result == "void" else " -> %s" % self.swift_type(result)
             lines.append("    %s %s(%s)%s {" % (head, member["name"], self.params(args), arrow))
             extra = [] if kind == "static" else ["handle"]
-            lines += body(call(self.c_function(name, member), extra) if regular else irregular_call, result)
+            if regular and "c_buffer" in member:
+                # Written straight into the Swift string's storage, with no C copy; with a
+                # revision function, made again only when the revision changes.
+                lines += ["        " + prelude] if prelude else []
+                if "c_revision" in cls:
+                    kept = "kept" + member["name"][0].upper() + member["name"][1:]
+                    text = "%s.%s.text()" % (name, kept)
+                    self.kept += ["    private static let %s =" % kept,
+                                  "        KeptText(%s, revision: %s)" % (member["c_buffer"], cls["c_revision"])]
+                else:
+                    text = "copiedText(%s)" % member["c_buffer"]
+                lines.append("        return %s%s" % (text, "" if result.endswith("?") else " ?? \"\""))
+            else:
+                lines += body(call(self.c_function(name, member), extra) if regular else irregular_call, result)
             lines.append("    }")
         elif kind in ("property", "static property"):
             result = member["result"]
@@ -373,9 +386,12 @@ class SwiftWriter:
         else:
             lines += ["    /// An empty instance: every member is class-level.",
                       "    public init() {}"]
+        self.kept = []
         for member in cls["members"]:
             lines.append("")
             lines += self.member(cls, member, is_open)
+        if self.kept:
+            lines += ["", "    // The texts last made, kept while the library's revision stays the same."] + self.kept
         lines.append("}")
         return lines
 

@@ -41,6 +41,21 @@ static void check_text(char* owned, const char* expected, int line) {
 #define LIVE_TOKEN "eyJhbGciOiJub25lIn0.eyJleHAiOjQxMDI0NDQ4MDB9.sig"
 #define EXPIRED_TOKEN "eyJhbGciOiJub25lIn0.eyJleHAiOjF9.sig"
 
+/* The buffer form of a header: absent as false with length 0; nothing
+ * written into a buffer one byte short; the bytes alone into an exact one; a
+ * NUL after them when there is room. */
+static void check_header_copy(bool (*copy)(char*, size_t, size_t*), const char* expected) {
+  char buffer[128];
+  size_t length = 99;
+  const size_t n = expected != NULL ? strlen(expected) : 0;
+  memset(buffer, '#', sizeof buffer);
+  CHECK(copy(NULL, 0, &length) == (expected != NULL) && length == n);
+  if (expected == NULL || n >= sizeof buffer) return;
+  CHECK(copy(buffer, n - 1, &length) && length == n && buffer[0] == '#');
+  CHECK(copy(buffer, n, NULL) && memcmp(buffer, expected, n) == 0 && buffer[n] == '#');
+  CHECK(copy(buffer, sizeof buffer, &length) && strcmp(buffer, expected) == 0);
+}
+
 static void errors(void) {
   char description[] = "Network problem";
   tavuro_TavuroError* error = tavuro_TavuroError_newInstance();
@@ -231,6 +246,8 @@ static void credential(const char* directory) {
   CHECK_TEXT(tavuro_Credential_username(), "demo");
   CHECK_TEXT(tavuro_Credential_subscription(), NULL);
   CHECK_TEXT(tavuro_Credential_getTavuroAuthHeader(), "Basic ZGVtbzpzZWNyZXQ=");
+  check_header_copy(tavuro_Credential_copyTavuroAuthHeader, "Basic ZGVtbzpzZWNyZXQ=");
+  uint64_t revision = tavuro_Credential_headerRevision();
   CHECK(!tavuro_Credential_isCredentialValidWithEndpoint("https://f/"));
 
   /* The store hands out its own record: a change is seen by a later reader,
@@ -263,9 +280,17 @@ static void credential(const char* directory) {
         !tavuro_Credential_setTokenWithToken(NULL) &&
         tavuro_Credential_setTokenWithToken(LIVE_TOKEN));
   CHECK_TEXT(tavuro_Credential_getTavuroAuthHeader(), "Bearer " LIVE_TOKEN);
+  check_header_copy(tavuro_Credential_copyTavuroAuthHeader, "Bearer " LIVE_TOKEN);
+  /* Every change of a header moves the revision on. */
+  CHECK(tavuro_Credential_headerRevision() != revision);
+  revision = tavuro_Credential_headerRevision();
   CHECK(tavuro_Credential_removeToken() && !tavuro_Credential_removeToken());
+  CHECK(tavuro_Credential_headerRevision() != revision);
+  revision = tavuro_Credential_headerRevision();
   tavuro_Credential_setPasswordWithPassword(NULL);
+  CHECK(tavuro_Credential_headerRevision() != revision);
   CHECK_TEXT(tavuro_Credential_getBasicAuthHeader(), NULL);
+  check_header_copy(tavuro_Credential_copyBasicAuthHeader, NULL);
   remove(path);
 }
 

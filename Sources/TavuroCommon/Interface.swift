@@ -117,13 +117,13 @@ open class Credential {
     /// value; `nil` when neither can be made.
     open class func getTavuroAuthHeader() -> String? {
         Irregular.prepareResourceDirectory()
-        return takeText(tavuro_Credential_getTavuroAuthHeader())
+        return Credential.keptGetTavuroAuthHeader.text()
     }
 
     /// "Basic " and the base64 of user name ":" password; `nil` when either is absent.
     open class func getBasicAuthHeader() -> String? {
         Irregular.prepareResourceDirectory()
-        return takeText(tavuro_Credential_getBasicAuthHeader())
+        return Credential.keptGetBasicAuthHeader.text()
     }
 
     /// Stores the user name (`nil` clears it), then rewrites the configuration file.
@@ -150,6 +150,12 @@ open class Credential {
         Irregular.prepareResourceDirectory()
         tavuro_Credential_setEndpointsWithEndpoints(endpoints?.handle)
     }
+
+    // The texts last made, kept while the library's revision stays the same.
+    private static let keptGetTavuroAuthHeader =
+        KeptText(tavuro_Credential_copyTavuroAuthHeader, revision: tavuro_Credential_headerRevision)
+    private static let keptGetBasicAuthHeader =
+        KeptText(tavuro_Credential_copyBasicAuthHeader, revision: tavuro_Credential_headerRevision)
 }
 
 /// The base addresses of the five cloud services, each optional (`nil` when unset). A shared

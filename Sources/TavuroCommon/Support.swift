@@ -21,6 +21,62 @@ func takeText(_ text: UnsafeMutablePointer<CChar>?) -> String? {
     return String(cString: text)
 }
 
+/// A text that a C function writes into the caller's buffer (see
+/// tavuro_Credential_copyTavuroAuthHeader), built in the string's own storage:
+/// one allocation, no C copy to free. `nil` when the C function has no text.
+@inline(__always)
+func copiedText(_ copy: (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool) -> String? {
+    var length = 0
+    guard copy(nil, 0, &length) else { return nil }
+    // The text may change between the calls; then ask again with its new length.
+    while length > 0 {
+        var needed = 0
+        var present = true
+        let text = String(unsafeUninitializedCapacity: length) { buffer in
+            let chars = UnsafeMutableRawPointer(buffer.baseAddress).map { $0.assumingMemoryBound(to: CChar.self) }
+            present = copy(chars, buffer.count, &needed)
+            return present && needed <= buffer.count ? needed : 0
+        }
+        guard present else { return nil }
+        if needed <= length { return text }
+        length = needed
+    }
+    return ""
+}
+
+/// The text of a C buffer function, made again only when a revision number
+/// from the library changes; safe to use from any thread.
+final class KeptText: @unchecked Sendable {
+    typealias Copy = (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool
+    private let copy: Copy
+    private let revision: () -> UInt64
+    private let lock = NSLock()
+    private var keptRevision: UInt64 = 0  // 0: nothing kept; guarded by `lock`
+    private var kept: String?  // guarded by `lock`
+
+    init(_ copy: @escaping Copy, revision: @escaping () -> UInt64) {
+        self.copy = copy
+        self.revision = revision
+    }
+
+    func text() -> String? {
+        // Read before the copy: a change in between leaves a newer number behind, never an old text.
+        let now = revision()
+        lock.lock()
+        if now != 0 && now == keptRevision {
+            defer { lock.unlock() }
+            return kept
+        }
+        lock.unlock()
+        let text = copiedText(copy)
+        lock.lock()
+        keptRevision = now
+        kept = text
+        lock.unlock()
+        return text
+    }
+}
+
 /// Runs `body` on the NUL-terminated UTF-8 of `text` (NULL for `nil`).
 @inline(__always)
 func withText<R>(_ text: String?, _ body: (UnsafePointer<CChar>?) -> R) -> R {
@@ -108,13 +164,26 @@ enum JsonScalar {
     case other
 
     private static let booleanClass: AnyClass = type(of: NSNumber(value: true))
+    /// The class of the numbers that this module and Foundation's reader make.
+    private static let numberClass: AnyClass = type(of: NSNumber(value: Int64(0)))
 
+    @inline(__always)
     init(_ value: Any) {
-        // The type test first: a cast alone would also box a Swift number.
-        if type(of: value) is NSNumber.Type, let number = value as? NSNumber {
+        // The type tests first: a cast alone would also box a Swift number, and casting an
+        // NSNumber to a Swift number type goes through the bridge, hundreds of times slower.
+        let kind = type(of: value)
+        if kind == JsonScalar.numberClass {
+            // Exactly that class, so the existential holds the reference itself in its first
+            // word: read it there instead of paying for a dynamic cast.
+            self.init(number: withUnsafeBytes(of: value) { $0.load(as: NSNumber.self) })
+        } else if kind is NSNumber.Type, let number = value as? NSNumber {
             self.init(number: number)
-            return
+        } else {
+            self.init(swiftValue: value)
         }
+    }
+
+    private init(swiftValue value: Any) {
         switch value {
         case let x as Bool: self = .boolean(x)
         case let x as Int: self = .signed(Int64(x))
@@ -151,6 +220,7 @@ enum JsonScalar {
     }
 
     /// The value as `Int64` when it is a number exactly representable there.
+    @inline(__always)
     var exactInt64: Int64? {
         switch self {
         case .signed(let x): return x
@@ -164,6 +234,7 @@ enum JsonScalar {
     }
 
     /// The value as `Double` when it is a number exactly representable there.
+    @inline(__always)
     var exactDouble: Double? {
         switch self {
         case .floating(let d): return d
@@ -179,9 +250,9 @@ enum JsonScalar {
 }
 
 enum Irregular {
+    @inline(__always)
     static func lookUp(_ jsonDict: [String: Any]?, _ key: String) -> Any? {
-        guard let jsonDict, let value = jsonDict[key] else { return nil }
-        return value
+        jsonDict?[key]
     }
 
     static func Utils_getIntValue(jsonDict: [String: Any]?, key: String) -> Int64 {

@@ -84,6 +84,7 @@ private final class HostInitializer: TavuroInitializer {
         let username: String? = Credential.username()
         #expect(username == "user" && Credential.subscription() == nil)
         #expect(Credential.getBasicAuthHeader() == "Basic dXNlcjpwYXNz")
+        #expect(Credential.getTavuroAuthHeader() == "Basic dXNlcjpwYXNz")
         // The store's own record: a change through one object is seen through the next.
         let endpoints: Endpoints? = Credential.endpoints()
         #expect(endpoints?.kelmoEndpoint == "https://kelmo.tavuro.com/api/")
@@ -105,14 +106,22 @@ private final class HostInitializer: TavuroInitializer {
         let stored: TavuroJwtToken? = Credential.getToken()
         #expect(stored?.value == token && stored?.isValid() == true)
         #expect(stored?.expiration == Date(timeIntervalSince1970: TimeInterval(later)))
-        #expect(Credential.getTavuroAuthHeader() == "Bearer " + token)
         let parser = TavuroJwtParser()
         #expect(parser.decode(jwtToken: token)["exp"] as? NSNumber == NSNumber(value: later))
         #expect(parser.parseToken(jwtToken: token)?.value == token && parser.parseToken(jwtToken: "e30.e30.x") == nil)
         #expect(parser.base64UrlDecode("AQI") == Data([1, 2]) && parser.decodeJWTPart("e30")?.isEmpty == true)
-        #expect(Credential.removeToken() && Credential.getToken() == nil)
-        Credential.setUsername(username: nil)
-        #expect(Credential.getTavuroAuthHeader() == nil && Credential.password() == "pass")
+        // The headers, made again after every change that alters them however often they were asked.
+        let changes: [(() -> Void, String?)] = [
+            ({}, "Bearer " + token), ({ _ = Credential.removeToken() }, "Basic dXNlcjpwYXNz"),
+            ({ Credential.setPassword(password: "word") }, "Basic dXNlcjp3b3Jk"),
+            ({ _ = Credential.setToken(token: token) }, "Bearer " + token),
+            ({ Credential.setUsername(username: nil) }, "Bearer " + token), ({ _ = Credential.removeToken() }, nil),
+        ]
+        for (change, header) in changes {
+            change()
+            #expect(Credential.getTavuroAuthHeader() == header && Credential.getTavuroAuthHeader() == header)
+        }
+        #expect(Credential.getBasicAuthHeader() == nil && Credential.getToken() == nil)
         Credential.setPassword(password: "")
         Credential.setEndpoints(endpoints: Endpoints.newInstance())
         #expect(Credential.password() == "" && Credential.endpoints()?.kelmoEndpoint == nil)

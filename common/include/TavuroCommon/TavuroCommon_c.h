@@ -601,6 +601,26 @@ TAVURO_EXPORT void tavuro_Credential_setEndpointsWithEndpoints(tavuro_Endpoints*
  * no object-interface name: it is here for the bindings of other languages. */
 TAVURO_EXPORT tavuro_TavuroJwtToken* tavuro_Credential_getToken(void);
 
+/** The "Authorization" value of tavuro_Credential_getTavuroAuthHeader,
+ * written as UTF-8 into the caller's `buffer` instead of a new copy. Returns
+ * false (and 0 in `*length`) when there is no header. Otherwise sets
+ * `*length` to the header's length in bytes, NUL not counted, and returns
+ * true; the bytes are written only when that length is at most `capacity`,
+ * followed by a NUL only when there is room for one. When it is larger,
+ * nothing is written: call again with a buffer of at least `*length`
+ * bytes. `buffer` may be NULL when `capacity` is 0, and `length` may be
+ * NULL. The caller owns the buffer; the library keeps nothing of it. */
+TAVURO_EXPORT bool tavuro_Credential_copyTavuroAuthHeader(char* buffer, size_t capacity,
+                                                          size_t* length);
+/** The value of tavuro_Credential_getBasicAuthHeader, written into the
+ * caller's buffer as tavuro_Credential_copyTavuroAuthHeader writes its own. */
+TAVURO_EXPORT bool tavuro_Credential_copyBasicAuthHeader(char* buffer, size_t capacity,
+                                                         size_t* length);
+/** A number that changes whenever the two headers above may have changed (a
+ * new user name, password or token), so that a binding may keep the texts
+ * it made until then; never 0, except when the store could not be made. */
+TAVURO_EXPORT uint64_t tavuro_Credential_headerRevision(void);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
