@@ -410,13 +410,21 @@ class TreeWriter {
         return;
       }
     }
-    // Announced with 0: Java numbers every announced key, in order, whether
-    // or not the table here had room to remember it.
+    // Announced with 0 and two bytes of its hash, by which Java finds the
+    // String it made for the same key before. Java numbers every announced
+    // key, in order, whether or not the table here had room to remember it.
     unsigned64(0);
+    out_[at_++] = static_cast<char>(hash >> 48);
+    out_[at_++] = static_cast<char>(hash >> 56);
     string(key);
     ++announced_;
     if (empty != nullptr && announced_ <= mask_ / 2) {
-      *empty = {words, key.data(), static_cast<std::uint32_t>(key.size()), announced_, tree_};
+      // Field by field: a whole-struct copy goes through the stack here.
+      empty->words = words;
+      empty->data = key.data();
+      empty->size = static_cast<std::uint32_t>(key.size());
+      empty->number = announced_;
+      empty->tree = tree_;
     }
   }
 
