@@ -251,17 +251,17 @@ bool ascii(std::string_view text) {
 // starting a tree does not clear it, and never allocates per key.
 class TreeWriter {
  public:
-  TreeWriter() : slots_(kSlots) {}
-
   // Starts a tree; `expected` is about how many bytes it will take. A small
   // tree uses the start of the key table only (one slot per 16 bytes, at
-  // least 64), which stays in the nearest cache.
+  // least 64), which stays in the nearest cache; the table grows to what the
+  // largest tree so far used.
   void start(std::size_t expected) {
     if (out_.size() > kKeptBytes) std::string().swap(out_);
     if (out_.size() < expected) out_.resize(expected);
     at_ = 0;
     mask_ = 63;
     while (mask_ < kSlots - 1 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
+    if (slots_.size() <= mask_) slots_.resize(mask_ + 1);  // new slots belong to no tree
     announced_ = 0;
     longStrings_.clear();
     if (++tree_ == 0) {  // the stamp wrapped: forget every slot once
