@@ -414,8 +414,10 @@ class TreeWriter {
     // String it made for the same key before. Java numbers every announced
     // key, in order, whether or not the table here had room to remember it.
     unsigned64(0);
-    out_[at_++] = static_cast<char>(hash >> 48);
-    out_[at_++] = static_cast<char>(hash >> 56);
+    char* p = out_.data() + at_;
+    p[0] = static_cast<char>(hash >> 48);
+    p[1] = static_cast<char>(hash >> 56);
+    at_ += 2;
     string(key);
     ++announced_;
     if (empty != nullptr && announced_ <= mask_ / 2) {
@@ -461,16 +463,23 @@ class TreeWriter {
   void put(Tag tag) { out_[at_++] = static_cast<char>(tag); }
 
   void fixed(std::uint64_t v) {
-    for (int b = 0; b < 8; ++b, v >>= 8) out_[at_++] = static_cast<char>(v & 0xFF);
+    char* p = out_.data() + at_;
+    for (int b = 0; b < 8; ++b, v >>= 8) p[b] = static_cast<char>(v & 0xFF);
+    at_ += 8;
   }
 
   // At most 10 bytes.
   void unsigned64(std::uint64_t v) {
+    // Through a local pointer: a store through the buffer's own would make
+    // the compiler reload it after every byte.
+    char* const start = out_.data() + at_;
+    char* p = start;
     while (v >= 0x80) {
-      out_[at_++] = static_cast<char>((v & 0x7F) | 0x80);
+      *p++ = static_cast<char>((v & 0x7F) | 0x80);
       v >>= 7;
     }
-    out_[at_++] = static_cast<char>(v);
+    *p++ = static_cast<char>(v);
+    at_ += static_cast<std::size_t>(p - start);
   }
 
   std::string out_;
