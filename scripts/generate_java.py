@@ -121,9 +121,12 @@ def nullity(types, type_name, argument=False, constructor=False):
 # Java
 # ---------------------------------------------------------------------------
 
-def java_arg_value(types, arg):
-    """The expression that hands a Java argument to the native method."""
+def java_arg_value(types, arg, required=False):
+    """The expression that hands a Java argument to the native method; a `required` one throws
+    NullPointerException, naming it, when it is null."""
     base, name = arg["type"].rstrip("?"), arg["name"]
+    if required:
+        name = "Objects.requireNonNull(%s, \"%s\")" % (name, name)
     if base == "instant":
         return "NativeLibrary.seconds(%s)" % name
     if base in types.records:
@@ -312,14 +315,17 @@ def java_method(types, cls, member, getter_setter=None):
             selector = "newInstance"
         out += javadoc(member_doc(cls, member, "get"))
         out.append("public %s(%s) {" % (cls["name"], params))
-        for arg in args:
-            if arg["type"] in ("text", "instant"):
-                out.append("  Objects.requireNonNull(%s, \"%s\");" % (arg["name"], arg["name"]))
-        out.append("  handle = %s(%s);" % (native_name(selector), values))
-        out.append("  if (handle == 0) {")
-        out.append("    throw new OutOfMemoryError(\"no memory for a %s\");" % cls["name"])
-        out.append("  }")
-        out.append("  NativeLibrary.CLEANER.register(this, new Release(handle));")
+        # The arguments are checked as they are passed, before native code is reached.
+        values = ", ".join(java_arg_value(types, a, a["type"] in ("text", "instant")) for a in args)
+        line = "  super(%s(%s), %s::nRelease);" % (native_name(selector), values, cls["name"])
+        if len(line) + 2 <= 100:
+            out.append(line)
+        else:
+            out += ["  super(", "      %s(" % native_name(selector)]
+            out += ["          %s%s" % (v, "," if i < len(args) - 1 else "),")
+                    for i, v in enumerate(java_arg_value(types, a, a["type"] in ("text", "instant"))
+                                          for a in args)]
+            out.append("      %s::nRelease);" % cls["name"])
         out.append("}")
         return out, [(native_name(selector), "long", [], c_name(cls["name"], selector), True, args)]
     result = member.get("result", cls["name"] if kind == "factory" else "void")
@@ -352,32 +358,15 @@ def native_declaration(types, native, result, receiver, args):
 def handle_class_lines(cls):
     name = cls["name"]
     return [
-        "/** The native object; never 0. */",
-        "final long handle;",
-        "",
-        "/** Takes over one reference to a native object, which the cleaner gives back. */",
-        "%s(long handle, boolean owned) {" % name,
-        "  this.handle = handle;",
-        "  NativeLibrary.CLEANER.register(this, new Release(handle));",
+        "/** Takes over one reference to a native object (see NativeObject). */",
+        "%s(long handle) {" % name,
+        "  super(handle, %s::nRelease);" % name,
         "}",
         "",
         "/** The object over a reference that the caller hands over, or null for 0. */",
         "@Nullable",
         "static %s wrap(long handle) {" % name,
-        "  return handle == 0 ? null : new %s(handle, true);" % name,
-        "}",
-        "",
-        "private static final class Release implements Runnable {",
-        "  private final long handle;",
-        "",
-        "  Release(long handle) {",
-        "    this.handle = handle;",
-        "  }",
-        "",
-        "  @Override",
-        "  public void run() {",
-        "    nRelease(handle);",
-        "  }",
+        "  return handle == 0 ? null : new %s(handle);" % name,
         "}",
         "",
         "private static native void nRelease(long handle);",

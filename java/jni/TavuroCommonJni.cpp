@@ -10,7 +10,10 @@
 #include <jni.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -224,21 +227,85 @@ enum Tag : unsigned char {
 // Java string of its own, which saves two copies of its bytes.
 constexpr std::size_t kLongStringBytes = 8192;
 
-// Writes a dictionary in the compact form. Keys are written once and then
-// referred to by number, so that Java makes one String per distinct key; the
-// table that finds them is open-addressed and never allocates per key.
+// Buffers kept by a thread between calls stay allocated up to this size.
+constexpr std::size_t kKeptBytes = std::size_t{8} << 20;
+
+// True when every byte of `text` is ASCII.
+bool ascii(std::string_view text) {
+  std::size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + i, 8);
+    if ((word & 0x8080808080808080ULL) != 0) return false;
+  }
+  for (; i < text.size(); ++i) {
+    if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
+  }
+  return true;
+}
+
+// Writes a dictionary in the compact form into a buffer that one thread
+// reuses from call to call. Keys are written once and then referred to by
+// number, so that Java makes one String per distinct key; the table that
+// finds them is open-addressed, stamped with the number of the tree so that
+// starting a tree does not clear it, and never allocates per key.
 class TreeWriter {
  public:
-  // `expected`: about how many bytes the text had; it sizes the output and the
-  // key table (one slot per 16 bytes of text, 64 to 4096 slots).
-  explicit TreeWriter(std::size_t expected) {
-    out_.reserve(expected < 65536 ? expected : 65536);
-    while (mask_ < 4095 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
-    slots_.resize(mask_ + 1);
+  // Starts a tree; `expected` is about how many bytes it will take. A small
+  // tree uses the start of the key table only (one slot per 16 bytes, at
+  // least 64), which stays in the nearest cache; the table grows to what the
+  // largest tree so far used.
+  void start(std::size_t expected) {
+    if (out_.size() > kKeptBytes) std::string().swap(out_);
+    if (out_.size() < expected) out_.resize(expected);
+    at_ = 0;
+    mask_ = 63;
+    while (mask_ < kSlots - 1 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
+    if (slots_.size() <= mask_) slots_.resize(mask_ + 1);  // new slots belong to no tree
+    announced_ = 0;
+    longStrings_.clear();
+    if (++tree_ == 0) {  // the stamp wrapped: forget every slot once
+      std::fill(slots_.begin(), slots_.end(), Slot{});
+      tree_ = 1;
+    }
   }
 
+  // A whole document as the reader laid it out.
+  void node(const tavuro_JsonNode& n) {
+    room(16);
+    switch (n.type) {
+      case TAVURO_JSON_NODE_NULL: put(kNull); return;
+      case TAVURO_JSON_NODE_FALSE: put(kFalse); return;
+      case TAVURO_JSON_NODE_TRUE: put(kTrue); return;
+      case TAVURO_JSON_NODE_INT64: integer(n.payload.int64Value); return;
+      case TAVURO_JSON_NODE_UINT64:
+        put(kUnsigned);
+        fixed(n.payload.uint64Value);
+        return;
+      case TAVURO_JSON_NODE_DOUBLE: real(n.payload.doubleValue); return;
+      case TAVURO_JSON_NODE_STRING: string({n.payload.chars, n.size}); return;
+      case TAVURO_JSON_NODE_ARRAY:
+        put(kArray);
+        unsigned64(n.size);
+        for (std::uint32_t i = 0; i < n.size; ++i) node(n.payload.children[i]);
+        return;
+      case TAVURO_JSON_NODE_OBJECT:
+      default:
+        put(kObject);
+        unsigned64(n.size);
+        for (std::uint32_t i = 0; i < n.size; ++i) {
+          const tavuro_JsonNode& k = n.payload.children[2 * std::size_t{i}];
+          key({k.payload.chars, k.size});
+          node(n.payload.children[2 * std::size_t{i} + 1]);
+        }
+        return;
+    }
+  }
+
+  // A dictionary through the C++ types, for results that only they give.
   void object(const tavuro::JsonDictionary& dictionary) {
-    out_.push_back(static_cast<char>(kObject));
+    room(16);
+    put(kObject);
     const std::size_t n = dictionary.size();
     unsigned64(n);
     for (std::size_t i = 0; i < n; ++i) {
@@ -247,42 +314,47 @@ class TreeWriter {
     }
   }
 
-  [[nodiscard]] const std::string& bytes() const { return out_; }
+  [[nodiscard]] const char* data() const { return out_.data(); }
+  [[nodiscard]] std::size_t size() const { return at_; }
   [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
 
-  // True when every byte of `text` is ASCII.
-  static bool ascii(std::string_view text) {
-    std::size_t i = 0;
-    for (; i + 8 <= text.size(); i += 8) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, text.data() + i, 8);
-      if ((word & 0x8080808080808080ULL) != 0) return false;
-    }
-    for (; i < text.size(); ++i) {
-      if ((static_cast<unsigned char>(text[i]) & 0x80) != 0) return false;
-    }
-    return true;
-  }
-
  private:
+  static constexpr std::size_t kSlots = 4096;  // a power of two
+
+  struct KeyWords {
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+  };
+
   struct Slot {
+    KeyWords words;
     const char* data = nullptr;
-    std::size_t size = 0;
-    std::size_t number = 0;  // 0: empty
+    std::uint32_t size = 0;
+    std::uint32_t number = 0;
+    std::uint32_t tree = 0;  // the tree that filled the slot; 0: never
   };
 
   void value(const tavuro::JsonValue& v) {
+    room(16);
     switch (v.kind()) {
-      case tavuro::JsonValue::Kind::Null: out_.push_back(static_cast<char>(kNull)); return;
+      case tavuro::JsonValue::Kind::Null: put(kNull); return;
       case tavuro::JsonValue::Kind::Boolean:
-        out_.push_back(
-            static_cast<char>(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse));
+        put(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse);
         return;
-      case tavuro::JsonValue::Kind::Number: number(v); return;
+      case tavuro::JsonValue::Kind::Number:
+        switch (*v.numberKind()) {
+          case tavuro::JsonValue::NumberKind::Int64: integer(*v.int64Value()); return;
+          case tavuro::JsonValue::NumberKind::UInt64:
+            put(kUnsigned);
+            fixed(*v.uint64Value());
+            return;
+          case tavuro::JsonValue::NumberKind::Double: real(*v.doubleValue()); return;
+        }
+        return;
       case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
       case tavuro::JsonValue::Kind::Array: {
         const std::optional<tavuro::JsonArray> array = v.arrayValue();
-        out_.push_back(static_cast<char>(kArray));
+        put(kArray);
         const std::size_t n = array->size();
         unsigned64(n);
         for (std::size_t i = 0; i < n; ++i) value((*array)[i]);
@@ -292,225 +364,278 @@ class TreeWriter {
     }
   }
 
-  void number(const tavuro::JsonValue& v) {
-    switch (*v.numberKind()) {
-      case tavuro::JsonValue::NumberKind::Int64: {
-        const std::int64_t i = *v.int64Value();
-        out_.push_back(static_cast<char>(kInt));
-        unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
-        return;
-      }
-      case tavuro::JsonValue::NumberKind::UInt64:
-        out_.push_back(static_cast<char>(kUnsigned));
-        fixed(*v.uint64Value());
-        return;
-      case tavuro::JsonValue::NumberKind::Double: {
-        const double d = *v.doubleValue();
-        std::uint64_t bits = 0;
-        std::memcpy(&bits, &d, sizeof bits);
-        out_.push_back(static_cast<char>(kDouble));
-        fixed(bits);
-        return;
-      }
-    }
+  void integer(std::int64_t i) {
+    put(kInt);
+    unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
+  }
+
+  void real(double d) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &d, sizeof bits);
+    put(kDouble);
+    fixed(bits);
   }
 
   void string(std::string_view text) {
     if (text.size() >= kLongStringBytes) {
-      out_.push_back(static_cast<char>(kLongString));
+      put(kLongString);
       unsigned64(longStrings_.size());
       longStrings_.push_back(text);
       return;
     }
-    out_.push_back(static_cast<char>(ascii(text) ? kAsciiString : kString));
+    room(text.size() + 8);
+    put(ascii(text) ? kAsciiString : kString);
     unsigned64(text.size());
-    out_.append(text.data(), text.size());
+    std::memcpy(out_.data() + at_, text.data(), text.size());
+    at_ += text.size();
   }
 
   void key(std::string_view key) {
-    std::uint64_t hash = 1469598103934665603ULL ^ key.size();
-    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    room(16);
+    const KeyWords words = wordsOf(key);
+    const std::uint64_t hash =
+        (words.head ^ (words.tail * 0x9E3779B97F4A7C15ULL) ^ key.size()) * 0xBF58476D1CE4E5B9ULL;
     Slot* empty = nullptr;
-    for (std::size_t i = hash & mask_, probes = 0; probes < 16; i = (i + 1) & mask_, ++probes) {
+    for (std::size_t i = (hash >> 40) & mask_, probes = 0; probes < 16;
+         i = (i + 1) & mask_, ++probes) {
       Slot& slot = slots_[i];
-      if (slot.number == 0) {
+      if (slot.tree != tree_) {
         empty = &slot;
         break;
       }
-      if (slot.size == key.size() && std::memcmp(slot.data, key.data(), key.size()) == 0) {
+      if (slot.size == key.size() && slot.words.head == words.head &&
+          slot.words.tail == words.tail &&
+          (key.size() <= 16 || std::memcmp(slot.data, key.data(), key.size()) == 0)) {
         unsigned64(slot.number);
         return;
       }
     }
-    // Announced with 0: Java numbers every announced key, in order, whether
-    // or not the table here had room to remember it.
+    // Announced with 0 and two bytes of its hash, by which Java finds the
+    // String it made for the same key before. Java numbers every announced
+    // key, in order, whether or not the table here had room to remember it.
     unsigned64(0);
+    char* p = out_.data() + at_;
+    p[0] = static_cast<char>(hash >> 48);
+    p[1] = static_cast<char>(hash >> 56);
+    at_ += 2;
     string(key);
     ++announced_;
-    if (empty != nullptr && announced_ <= mask_ / 2) *empty = {key.data(), key.size(), announced_};
+    if (empty != nullptr && announced_ <= mask_ / 2) {
+      // Field by field: a whole-struct copy goes through the stack here.
+      empty->words = words;
+      empty->data = key.data();
+      empty->size = static_cast<std::uint32_t>(key.size());
+      empty->number = announced_;
+      empty->tree = tree_;
+    }
   }
+
+  // Two words of a key: its first and last 8 bytes (4 when shorter than 8;
+  // its first, middle and last byte when shorter than 4). Together with the
+  // length they are the whole key up to 16 bytes.
+  static KeyWords wordsOf(std::string_view key) {
+    const char* p = key.data();
+    const std::size_t n = key.size();
+    KeyWords words;
+    if (n >= 8) {
+      std::memcpy(&words.head, p, 8);
+      std::memcpy(&words.tail, p + n - 8, 8);
+    } else if (n >= 4) {
+      std::uint32_t head = 0;
+      std::uint32_t tail = 0;
+      std::memcpy(&head, p, 4);
+      std::memcpy(&tail, p + n - 4, 4);
+      words.head = head;
+      words.tail = tail;
+    } else if (n > 0) {
+      words.head = static_cast<unsigned char>(p[0]) |
+                   static_cast<std::uint64_t>(static_cast<unsigned char>(p[n / 2])) << 8 |
+                   static_cast<std::uint64_t>(static_cast<unsigned char>(p[n - 1])) << 16;
+    }
+    return words;
+  }
+
+  // Makes room for `n` more bytes.
+  void room(std::size_t n) {
+    if (out_.size() - at_ < n) out_.resize(std::max(out_.size() * 2, at_ + n));
+  }
+
+  void put(Tag tag) { out_[at_++] = static_cast<char>(tag); }
 
   void fixed(std::uint64_t v) {
-    char bytes[8];
-    for (char& b : bytes) {
-      b = static_cast<char>(v & 0xFF);
-      v >>= 8;
-    }
-    out_.append(bytes, 8);
+    char* p = out_.data() + at_;
+    for (int b = 0; b < 8; ++b, v >>= 8) p[b] = static_cast<char>(v & 0xFF);
+    at_ += 8;
   }
 
+  // At most 10 bytes.
   void unsigned64(std::uint64_t v) {
+    // Through a local pointer: a store through the buffer's own would make
+    // the compiler reload it after every byte.
+    char* const start = out_.data() + at_;
+    char* p = start;
     while (v >= 0x80) {
-      out_.push_back(static_cast<char>((v & 0x7F) | 0x80));
+      *p++ = static_cast<char>((v & 0x7F) | 0x80);
       v >>= 7;
     }
-    out_.push_back(static_cast<char>(v));
+    *p++ = static_cast<char>(v);
+    at_ += static_cast<std::size_t>(p - start);
   }
 
   std::string out_;
-  std::size_t mask_ = 63;
+  std::size_t at_ = 0;
   std::vector<Slot> slots_;
-  std::size_t announced_ = 0;
+  std::size_t mask_ = 63;
+  std::uint32_t tree_ = 0;
+  std::uint32_t announced_ = 0;
   std::vector<std::string_view> longStrings_;
 };
 
-// The compact form of a dictionary: a byte array, or when it has long strings
-// an Object[] of the byte array and those strings in order. nullptr for none.
-jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary,
-                   std::size_t expected = 256) {
+// This thread's writer, made on first use. Held through a pointer so that the
+// writer's own code reaches its fields directly, not as thread-local storage.
+TreeWriter& threadWriter() {
+  static thread_local std::unique_ptr<TreeWriter> writer;
+  if (writer == nullptr) writer = std::make_unique<TreeWriter>();
+  return *writer;
+}
+
+// The tree that `writer` holds as Java takes it: a byte array, or when it has
+// long strings an Object[] of the byte array and those strings in order.
+// nullptr when the JVM raised an exception.
+jobject handOver(JNIEnv* env, const TreeWriter& writer) {
+  jbyteArray tree = newBytes(env, writer.data(), writer.size());
+  const std::vector<std::string_view>& longStrings = writer.longStrings();
+  if (tree == nullptr || longStrings.empty()) return tree;
+  jobjectArray parts =
+      env->NewObjectArray(static_cast<jsize>(longStrings.size() + 1), cached.objectClass, nullptr);
+  if (parts == nullptr) return nullptr;
+  env->SetObjectArrayElement(parts, 0, tree);
+  env->DeleteLocalRef(tree);
+  for (std::size_t i = 0; i < longStrings.size(); ++i) {
+    // ASCII travels as bytes, which Java turns into a string at copying
+    // speed; anything else is decoded here.
+    const std::string_view s = longStrings[i];
+    jobject text = ascii(s) ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
+                            : static_cast<jobject>(newString(env, s.data(), s.size()));
+    if (text == nullptr) return nullptr;
+    env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
+    env->DeleteLocalRef(text);
+  }
+  return parts;
+}
+
+// The compact form of a dictionary made by the C++ types; nullptr for none.
+jobject encodeTree(JNIEnv* env, const std::optional<tavuro::JsonDictionary>& dictionary) {
   if (!dictionary) return nullptr;
   try {
-    TreeWriter writer(expected);
+    TreeWriter& writer = threadWriter();
+    writer.start(256);
     writer.object(*dictionary);
-    jbyteArray tree = newBytes(env, writer.bytes().data(), writer.bytes().size());
-    const std::vector<std::string_view>& longStrings = writer.longStrings();
-    if (tree == nullptr || longStrings.empty()) return tree;
-    jobjectArray parts = env->NewObjectArray(static_cast<jsize>(longStrings.size() + 1),
-                                             cached.objectClass, nullptr);
-    if (parts == nullptr) return nullptr;
-    env->SetObjectArrayElement(parts, 0, tree);
-    env->DeleteLocalRef(tree);
-    for (std::size_t i = 0; i < longStrings.size(); ++i) {
-      // ASCII travels as bytes, which Java turns into a string at copying
-      // speed; anything else is decoded here.
-      const std::string_view s = longStrings[i];
-      jobject text = TreeWriter::ascii(s)
-                         ? static_cast<jobject>(newBytes(env, s.data(), s.size()))
-                         : static_cast<jobject>(newString(env, s.data(), s.size()));
-      if (text == nullptr) return nullptr;
-      env->SetObjectArrayElement(parts, static_cast<jsize>(i + 1), text);
-      env->DeleteLocalRef(text);
-    }
-    return parts;
+    return handOver(env, writer);
   } catch (const std::bad_alloc&) {
     throwOutOfMemory(env);
     return nullptr;
   }
 }
 
-// The 16 units from `units` as four words; true when all are ASCII.
-inline bool asciiUnits16(const jchar* units, std::uint64_t (&words)[4]) {
-  std::memcpy(words, units, sizeof words);
-  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80ULL) == 0;
+// Sixteen UTF-16 units at a time, in the vector registers of any target.
+using Units8 = std::uint16_t __attribute__((vector_size(16)));
+using Bytes8 = char __attribute__((vector_size(8)));
+
+// When the 16 units at `units` are ASCII: true, having written them to `out`
+// as 16 bytes.
+inline bool ascii16(const jchar* units, char* out) {
+  Units8 low;
+  Units8 high;
+  std::memcpy(&low, units, sizeof low);
+  std::memcpy(&high, units + 8, sizeof high);
+  const Units8 above = (low | high) & static_cast<std::uint16_t>(0xFF80);
+  std::uint64_t words[2];
+  std::memcpy(words, &above, sizeof words);
+  if ((words[0] | words[1]) != 0) return false;
+  const Bytes8 first = __builtin_convertvector(low, Bytes8);
+  const Bytes8 second = __builtin_convertvector(high, Bytes8);
+  std::memcpy(out, &first, 8);
+  std::memcpy(out + 8, &second, 8);
+  return true;
 }
 
-// The four ASCII units of `word` (loaded little-endian) as four bytes in
-// memory order.
-#if !defined(__BYTE_ORDER__) || __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
-#error "packAscii assumes a little-endian machine"
-#endif
-inline std::uint32_t packAscii(std::uint64_t word) {
-  word = (word | (word >> 8)) & 0x0000FFFF0000FFFFULL;
-  return static_cast<std::uint32_t>(word | (word >> 16));
-}
-
-// Number of UTF-8 bytes of `n` UTF-16 units; -1 when a surrogate is unpaired.
-std::ptrdiff_t utf8Length(const jchar* units, std::size_t n) {
-  std::size_t bytes = 0;
+// Writes the UTF-8 of `n` UTF-16 units to `out`, which has room for 3 bytes a
+// unit, and returns its length; -1 when a surrogate is unpaired, which UTF-8
+// cannot carry.
+std::ptrdiff_t writeUtf8(const jchar* units, std::size_t n, char* out) {
+  char* const start = out;
   std::size_t i = 0;
   while (i < n) {
-    // Sixteen ASCII units at a time: the common case of JSON text.
-    std::uint64_t words[4];
-    if (i + 16 <= n && asciiUnits16(units + i, words)) {
-      bytes += 16;
-      i += 16;
-      continue;
-    }
-    const jchar c = units[i++];
-    if (c < 0x80) {
-      bytes += 1;
-    } else if (c < 0x800) {
-      bytes += 2;
-    } else if (c < 0xD800 || c > 0xDFFF) {
-      bytes += 3;
-    } else if (c <= 0xDBFF && i < n && units[i] >= 0xDC00 && units[i] <= 0xDFFF) {
-      bytes += 4;
-      ++i;
-    } else {
-      return -1;
-    }
-  }
-  return static_cast<std::ptrdiff_t>(bytes);
-}
-
-// Writes the UTF-8 of `n` units that utf8Length accepted into `out`.
-void writeUtf8(const jchar* units, std::size_t n, char* out) {
-  std::size_t i = 0;
-  while (i < n) {
-    std::uint64_t words[4];
-    if (i + 16 <= n && asciiUnits16(units + i, words)) {
-      for (const std::uint64_t word : words) {
-        const std::uint32_t four = packAscii(word);
-        std::memcpy(out, &four, 4);
-        out += 4;
-      }
+    if (i + 16 <= n && ascii16(units + i, out)) {
+      out += 16;
       i += 16;
       continue;
     }
     std::uint32_t c = units[i++];
-    if (c >= 0xD800 && c <= 0xDBFF) c = 0x10000 + ((c - 0xD800) << 10) + (units[i++] - 0xDC00u);
     if (c < 0x80) {
       *out++ = static_cast<char>(c);
     } else if (c < 0x800) {
       *out++ = static_cast<char>(0xC0 | (c >> 6));
       *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
+    } else if (c < 0xD800 || c > 0xDFFF) {
       *out++ = static_cast<char>(0xE0 | (c >> 12));
       *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
       *out++ = static_cast<char>(0x80 | (c & 0x3F));
-    } else {
+    } else if (c <= 0xDBFF && i < n && units[i] >= 0xDC00 && units[i] <= 0xDFFF) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (units[i++] - 0xDC00U);
       *out++ = static_cast<char>(0xF0 | (c >> 18));
       *out++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
       *out++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
       *out++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      return -1;
     }
   }
+  return out - start;
 }
 
-// Writes the exact UTF-8 of a Java string into `utf8` (the caller's buffer,
-// reused from call to call so that a large text does not map fresh pages
-// each time) and returns true; false, with `utf8` empty, when the string
-// holds an unpaired surrogate, which UTF-8 cannot carry. Reads the
-// characters in place.
-bool exactUtf8(JNIEnv* env, jstring text, std::string& utf8) {
-  utf8.clear();
-  const auto n = static_cast<std::size_t>(env->GetStringLength(text));
-  const jchar* units = env->GetStringCritical(text, nullptr);
-  if (units == nullptr) return false;  // OutOfMemoryError pending
-  bool exact = false;
-  try {
-    const std::ptrdiff_t length = utf8Length(units, n);
-    if (length >= 0) {
-      utf8.resize(static_cast<std::size_t>(length));
-      writeUtf8(units, n, utf8.data());
-      exact = true;
+// A buffer that one thread reuses for the texts it parses. It keeps its size
+// between calls, so that a large text does not map fresh pages each time,
+// and gives back what grew past kKeptBytes once a smaller text comes.
+class TextBuffer {
+ public:
+  // Room for `size` bytes, whose contents are undefined.
+  char* reserve(std::size_t size) {
+    if (size > capacity_ || (capacity_ > kKeptBytes && size <= kKeptBytes)) {
+      data_.reset();
+      capacity_ = 0;
+      data_.reset(static_cast<char*>(std::malloc(size == 0 ? 1 : size)));
+      if (data_ == nullptr) throw std::bad_alloc();
+      capacity_ = size;
     }
-  } catch (const std::bad_alloc&) {
-    env->ReleaseStringCritical(text, units);
-    throw;
+    return data_.get();
   }
-  env->ReleaseStringCritical(text, units);
-  return exact;
+
+ private:
+  struct Free {
+    void operator()(char* p) const { std::free(p); }
+  };
+  std::unique_ptr<char, Free> data_;
+  std::size_t capacity_ = 0;
+};
+
+TextBuffer& threadText() {
+  static thread_local TextBuffer buffer;
+  return buffer;
+}
+
+// The compact tree of the dictionary of `size` bytes of JSON at `text`;
+// nullptr for whatever convertToDictionary gives none for. The reader's own
+// nodes are walked, so no value of the document is made in C++.
+jobject treeOfText(JNIEnv* env, const char* text, std::size_t size) {
+  const std::unique_ptr<tavuro_JsonDictionary, void (*)(tavuro_JsonDictionary*)> dictionary(
+      tavuro_Utils_convertToDictionaryWithBytes_length(text, size), tavuro_JsonDictionary_release);
+  if (dictionary == nullptr) return nullptr;
+  TreeWriter& writer = threadWriter();
+  writer.start(size + 64);
+  writer.node(*tavuro_JsonDictionary_nodes(dictionary.get()));
+  return handOver(env, writer);
 }
 
 std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
@@ -673,20 +798,31 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // JSON
 // ---------------------------------------------------------------------------
 
-// The compact tree of a JSON text; null for a text that has no exact UTF-8 and
-// whatever convertToDictionary gives none for. The compact form is about as
-// long as the text, so the writer reserves that much.
-extern "C" JNIEXPORT jobject JNICALL
-Java_com_tavuro_common_Utils_nConvertToDictionary(JNIEnv* env, jclass /*unused*/, jstring text) {
+// The compact tree of a JSON text; null for a text with a lone surrogate
+// (it has no exact UTF-8) and for whatever convertToDictionary gives none for.
+// `utf8`, when not null, is what String.getBytes gave as the text's UTF-8 and
+// as long as the text, so ASCII unless a lone surrogate became '?' in it:
+// without a '?' those bytes are parsed. Otherwise the characters are read in
+// place and encoded here.
+extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
+    JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8) {
   try {
-    // One text buffer per thread, kept between calls up to 8 MB.
-    static thread_local std::optional<std::string> utf8;
-    if (!utf8) utf8.emplace();
-    if (!tavuro_jni::exactUtf8(env, text, *utf8)) return nullptr;
-    jobject tree =
-        tavuro_jni::encodeTree(env, tavuro::Utils::convertToDictionary(utf8), utf8->size() + 64);
-    if (utf8->capacity() > (std::size_t{8} << 20)) utf8.reset();
-    return tree;
+    if (utf8 != nullptr) {
+      const auto size = static_cast<std::size_t>(env->GetArrayLength(utf8));
+      char* bytes = tavuro_jni::threadText().reserve(size);
+      env->GetByteArrayRegion(utf8, 0, static_cast<jsize>(size), reinterpret_cast<jbyte*>(bytes));
+      if (std::memchr(bytes, '?', size) == nullptr) {
+        return tavuro_jni::treeOfText(env, bytes, size);
+      }
+    }
+    const auto n = static_cast<std::size_t>(env->GetStringLength(text));
+    char* bytes = tavuro_jni::threadText().reserve(3 * n);
+    const jchar* units = env->GetStringCritical(text, nullptr);
+    if (units == nullptr) return nullptr;  // OutOfMemoryError pending
+    const std::ptrdiff_t size = tavuro_jni::writeUtf8(units, n, bytes);
+    env->ReleaseStringCritical(text, units);
+    if (size < 0) return nullptr;
+    return tavuro_jni::treeOfText(env, bytes, static_cast<std::size_t>(size));
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;

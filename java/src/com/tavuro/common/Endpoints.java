@@ -9,49 +9,28 @@ import java.lang.ref.Reference;
  * {@link Credential#endpoints()}, changes the store when it is changed. Set it from one thread at a
  * time. Its native memory is given back when the Java object is collected.
  */
-public class Endpoints {
+public class Endpoints extends NativeObject {
   // BEGIN generated from interface/TavuroCommon.json: members
   static {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  Endpoints(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  Endpoints(long handle) {
+    super(handle, Endpoints::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static Endpoints wrap(long handle) {
-    return handle == 0 ? null : new Endpoints(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new Endpoints(handle);
   }
 
   private static native void nRelease(long handle);
 
   /** A new Endpoints with every field at its default. */
   public Endpoints() {
-    handle = nNewInstance();
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a Endpoints");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nNewInstance(), Endpoints::nRelease);
   }
 
   /** The frmEndpoint, or null when absent. */

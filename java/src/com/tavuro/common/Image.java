@@ -10,7 +10,7 @@ import java.util.List;
  * aspect-ratio check, corner points and whether it shows a passport. A shared reference to one
  * native record; set it from one thread at a time.
  */
-public final class Image {
+public final class Image extends NativeObject {
   /**
    * A default record holding {@code image} and a copy of {@code data} ({@code null} allowed).
    */
@@ -107,32 +107,15 @@ public final class Image {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  Image(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  Image(long handle) {
+    super(handle, Image::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static Image wrap(long handle) {
-    return handle == 0 ? null : new Image(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new Image(handle);
   }
 
   private static native void nRelease(long handle);
@@ -140,11 +123,7 @@ public final class Image {
   /** A record with every field at its default: no picture, bytes or error, 0 dpi, aspect ratio 0,
    * no points, not a passport. */
   public Image() {
-    handle = nNewInstance();
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a Image");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nNewInstance(), Image::nRelease);
   }
 
   /** Same as the no-argument constructor: every field at its default. */

@@ -6,6 +6,7 @@ import java.math.BigInteger;
 import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -14,9 +15,8 @@ import java.util.Map;
  * Turns the compact form in which native code hands over a whole decoded JSON tree into maps and
  * lists, in one pass. The form, written by java/jni/TavuroCommonJni.cpp: each value is a tag byte
  * and its payload; counts and lengths are unsigned LEB128; integers zigzag LEB128; doubles and
- * unsigned integers 8 bytes little-endian; a key is 0 followed by a string value the first time
- * it occurs, and later its number in the order of those first
- * occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own; long strings
+ * unsigned integers 8 bytes little-endian; a key is 0, two bytes of its hash and a string value
+ * the first time it occurs, and later its number in the order of those first occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own; long strings
  * travel beside the buffer, referred to by their number: as a byte array when they are ASCII,
  * else as a Java string.
  */
@@ -35,6 +35,23 @@ final class JsonTree {
 
   private static final VarHandle LONG_LE =
       MethodHandles.byteArrayViewVarHandle(long[].class, ByteOrder.LITTLE_ENDIAN);
+
+  /**
+   * Keys met before, by hash, shared by all threads: an entry is immutable and published whole
+   * (its fields are final), so a thread sees either an older entry or the new one, and a lost
+   * update only costs a String.
+   */
+  private static final KnownKey[] KEY_CACHE = new KnownKey[1024];
+
+  private static final class KnownKey {
+    final byte[] bytes;
+    final String key;
+
+    KnownKey(byte[] bytes, String key) {
+      this.bytes = bytes;
+      this.key = key;
+    }
+  }
 
   private final byte[] bytes;
   private final Object[] longStrings;
@@ -117,12 +134,46 @@ final class JsonTree {
     if (index > 0) {
       return keys[index - 1];
     }
-    String key = (String) value();
+    int hash = (bytes[pos] & 0xff) | (bytes[pos + 1] & 0xff) << 8;
+    pos += 2;
+    String key = knownKey(hash);
     if (keyCount == keys.length) {
-      keys = java.util.Arrays.copyOf(keys, keyCount * 2);
+      keys = Arrays.copyOf(keys, keyCount * 2);
     }
     keys[keyCount++] = key;
     return key;
+  }
+
+  /**
+   * The key whose string value is next, as the String made for the same bytes before when the
+   * cache still holds it: most keys recur from one answer to the next, and a String that is
+   * reused also keeps its hash code.
+   */
+  private String knownKey(int hash) {
+    int tag = bytes[pos];
+    if (tag != ASCII_STRING && tag != STRING) {
+      return (String) value();
+    }
+    pos++;
+    int length = (int) unsigned();
+    int slot = hash & (KEY_CACHE.length - 1);
+    KnownKey known = KEY_CACHE[slot];
+    if (known != null && known.bytes.length == length
+        && Arrays.equals(known.bytes, 0, length, bytes, pos, pos + length)) {
+      pos += length;
+      return known.key;
+    }
+    byte[] keyBytes = Arrays.copyOfRange(bytes, pos, pos + length);
+    pos += length;
+    known = new KnownKey(keyBytes, tag == ASCII_STRING ? latin1(keyBytes)
+        : new String(keyBytes, StandardCharsets.UTF_8));
+    KEY_CACHE[slot] = known;
+    return known.key;
+  }
+
+  @SuppressWarnings("deprecation") // the one constructor that copies bytes as Latin-1 directly
+  private static String latin1(byte[] ascii) {
+    return new String(ascii, 0);
   }
 
   private String string() {

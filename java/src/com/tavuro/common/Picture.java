@@ -6,17 +6,13 @@ import java.lang.ref.Reference;
  * A decoded picture: width, height, pixel layout and the pixels, top row first. Immutable and
  * shared by reference; safe to read from any thread.
  */
-public final class Picture {
+public final class Picture extends NativeObject {
   static {
     NativeLibrary.load();
   }
 
-  final long handle;
-
   Picture(long handle) {
-    this.handle = handle;
-    long h = handle;
-    NativeLibrary.CLEANER.register(this, () -> nRelease(h));
+    super(handle, Picture::nRelease);
   }
 
   @Nullable

@@ -7,58 +7,33 @@ import java.lang.ref.Reference;
  * the {@link TavuroErrorDescriptions} entry of the same failure. A shared reference to one native
  * record; set it from one thread at a time.
  */
-public final class TavuroError {
+public final class TavuroError extends NativeObject {
   // BEGIN generated from interface/TavuroCommon.json: members
   static {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  TavuroError(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  TavuroError(long handle) {
+    super(handle, TavuroError::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static TavuroError wrap(long handle) {
-    return handle == 0 ? null : new TavuroError(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new TavuroError(handle);
   }
 
   private static native void nRelease(long handle);
 
   /** A record with code 0 and an absent description. */
   public TavuroError() {
-    handle = nNewInstance();
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a TavuroError");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nNewInstance(), TavuroError::nRelease);
   }
 
   /** A record with {@code errorCode} and {@code errorDescription} (null stays absent). */
   public TavuroError(long errorCode, @Nullable String errorDescription) {
-    handle = nInitWithErrorCodeErrorDescription(errorCode, errorDescription);
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a TavuroError");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nInitWithErrorCodeErrorDescription(errorCode, errorDescription), TavuroError::nRelease);
   }
 
   /** Same as the no-argument constructor: code 0 and an absent description. */

@@ -10,7 +10,7 @@ import java.util.function.Consumer;
  * ITavuroPackage#initialize()} in list order, then the callback once with {@code null} (success),
  * all before it returns, on the caller's thread. An initializer keeps no state between calls.
  */
-public class TavuroInitializer implements ITavuroInitializer {
+public class TavuroInitializer extends NativeObject implements ITavuroInitializer {
   /**
    * Starts the packages in list order (duplicates included), then calls {@code callback} once
    * with {@code null}, before returning.
@@ -45,43 +45,22 @@ public class TavuroInitializer implements ITavuroInitializer {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  TavuroInitializer(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  TavuroInitializer(long handle) {
+    super(handle, TavuroInitializer::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static TavuroInitializer wrap(long handle) {
-    return handle == 0 ? null : new TavuroInitializer(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new TavuroInitializer(handle);
   }
 
   private static native void nRelease(long handle);
 
   /** A new initializer; making one starts nothing. */
   public TavuroInitializer() {
-    handle = nInit();
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a TavuroInitializer");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nInit(), TavuroInitializer::nRelease);
   }
 
   private static native long nInit();

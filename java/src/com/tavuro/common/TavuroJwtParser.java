@@ -9,7 +9,7 @@ import java.util.Map;
  * <p>A token text without any "." given to {@link #parseToken(String)} or {@link #decode(String)}
  * throws {@link ArrayIndexOutOfBoundsException} before native code is reached.
  */
-public class TavuroJwtParser {
+public class TavuroJwtParser extends NativeObject {
   /**
    * The payload's claims as a new map, empty when they cannot be read; null only for a null
    * token.
@@ -48,43 +48,22 @@ public class TavuroJwtParser {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  TavuroJwtParser(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  TavuroJwtParser(long handle) {
+    super(handle, TavuroJwtParser::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static TavuroJwtParser wrap(long handle) {
-    return handle == 0 ? null : new TavuroJwtParser(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new TavuroJwtParser(handle);
   }
 
   private static native void nRelease(long handle);
 
   /** A new parser; it keeps no state. */
   public TavuroJwtParser() {
-    handle = nInit();
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a TavuroJwtParser");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(nInit(), TavuroJwtParser::nRelease);
   }
 
   /** The token record of a token text; null when its "exp" is missing or not a whole number, or

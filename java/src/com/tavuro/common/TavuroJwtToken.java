@@ -7,38 +7,21 @@ import java.util.Objects;
 /**
  * An immutable session token: its text and the instant it expires. Safe to read from any thread.
  */
-public class TavuroJwtToken {
+public class TavuroJwtToken extends NativeObject {
   // BEGIN generated from interface/TavuroCommon.json: members
   static {
     NativeLibrary.load();
   }
 
-  /** The native object; never 0. */
-  final long handle;
-
-  /** Takes over one reference to a native object, which the cleaner gives back. */
-  TavuroJwtToken(long handle, boolean owned) {
-    this.handle = handle;
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+  /** Takes over one reference to a native object (see NativeObject). */
+  TavuroJwtToken(long handle) {
+    super(handle, TavuroJwtToken::nRelease);
   }
 
   /** The object over a reference that the caller hands over, or null for 0. */
   @Nullable
   static TavuroJwtToken wrap(long handle) {
-    return handle == 0 ? null : new TavuroJwtToken(handle, true);
-  }
-
-  private static final class Release implements Runnable {
-    private final long handle;
-
-    Release(long handle) {
-      this.handle = handle;
-    }
-
-    @Override
-    public void run() {
-      nRelease(handle);
-    }
+    return handle == 0 ? null : new TavuroJwtToken(handle);
   }
 
   private static native void nRelease(long handle);
@@ -46,13 +29,11 @@ public class TavuroJwtToken {
   /** A token record of {@code value} expiring at {@code expiration}; either being null throws
    * NullPointerException. */
   public TavuroJwtToken(String value, Instant expiration) {
-    Objects.requireNonNull(value, "value");
-    Objects.requireNonNull(expiration, "expiration");
-    handle = nInitWithValueExpiration(value, NativeLibrary.seconds(expiration));
-    if (handle == 0) {
-      throw new OutOfMemoryError("no memory for a TavuroJwtToken");
-    }
-    NativeLibrary.CLEANER.register(this, new Release(handle));
+    super(
+        nInitWithValueExpiration(
+            Objects.requireNonNull(value, "value"),
+            NativeLibrary.seconds(Objects.requireNonNull(expiration, "expiration"))),
+        TavuroJwtToken::nRelease);
   }
 
   /** The token text. */

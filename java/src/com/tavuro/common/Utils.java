@@ -2,6 +2,7 @@ package com.tavuro.common;
 
 import java.math.BigDecimal;
 import java.math.BigInteger;
+import java.nio.charset.StandardCharsets;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
@@ -24,6 +25,9 @@ import java.util.Objects;
 public final class Utils {
   private static final double TWO_63 = 9223372036854775808.0;
   private static final double TWO_64 = 18446744073709551616.0;
+  // Texts up to this many characters are first tried as ASCII bytes: beyond it,
+  // a text that turns out not to be ASCII would cost too much to try.
+  private static final int ASCII_CHECK_LIMIT = 8192;
 
   /** Makes an instance, which has nothing to do: every operation is static. */
   public Utils() {}
@@ -36,7 +40,13 @@ public final class Utils {
    */
   @Nullable
   public static Map<String, Object> convertToDictionary(@Nullable String text) {
-    return text == null ? null : JsonTree.decodeObject(nConvertToDictionary(text));
+    if (text == null) {
+      return null;
+    }
+    // A short text that is all ASCII leaves the JVM at copying speed as its own UTF-8.
+    byte[] utf8 = text.length() <= ASCII_CHECK_LIMIT ? text.getBytes(StandardCharsets.UTF_8) : null;
+    return JsonTree.decodeObject(
+        nConvertToDictionary(text, utf8 != null && utf8.length == text.length() ? utf8 : null));
   }
 
   /** The number under {@code key} when it is exactly a 64-bit integer; 0 otherwise. */
@@ -142,7 +152,7 @@ public final class Utils {
     return number.doubleValue();
   }
 
-  private static native Object nConvertToDictionary(String text);
+  private static native Object nConvertToDictionary(String text, @Nullable byte[] utf8);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {

@@ -184,6 +184,9 @@ class BindingTest {
     assertEquals(Map.of(), map.get("o"));
     assertEquals(1L, map.get("d"));
     map.put("added", "maps are the host's own"); // mutable
+    Map<String, Object> marks = Map.of("\u00e9", "?", "?", 2L); // '?' also stands for lone surrogates
+    assertEquals(marks, Utils.convertToDictionary("{\"\u00e9\":\"?\",\"?\":2}"));
+    assertEquals(marks, Utils.convertToDictionary("{\"\\u00e9\":\"?\",\"?\":2}")); // key met before
     String ascii = "x".repeat(9000);
     String accented = "\u00e9".repeat(9000);
     Map<String, Object> longTexts = Utils.convertToDictionary(
