@@ -244,11 +244,66 @@ bool ascii(std::string_view text) {
   return true;
 }
 
+// Copies `n` bytes from `src` to `dst`, which do not overlap; true when all
+// of them are ASCII. Short strings, the common case, take a few whole-word
+// loads and stores instead of a call to memcpy and a second pass.
+inline bool copyCheckingAscii(char* dst, const char* src, std::size_t n) {
+  constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
+  std::uint64_t seen = 0;
+  if (n >= 16) {
+    std::uint64_t a = 0;
+    std::uint64_t b = 0;
+    for (std::size_t i = 0; i + 16 <= n; i += 16) {
+      std::memcpy(&a, src + i, 8);
+      std::memcpy(&b, src + i + 8, 8);
+      std::memcpy(dst + i, &a, 8);
+      std::memcpy(dst + i + 8, &b, 8);
+      seen |= a | b;
+    }
+    // The last 16 bytes again, overlapping what the loop copied.
+    std::memcpy(&a, src + n - 16, 8);
+    std::memcpy(&b, src + n - 8, 8);
+    std::memcpy(dst + n - 16, &a, 8);
+    std::memcpy(dst + n - 8, &b, 8);
+    seen |= a | b;
+  } else if (n >= 8) {
+    std::uint64_t a = 0;
+    std::uint64_t b = 0;
+    std::memcpy(&a, src, 8);
+    std::memcpy(&b, src + n - 8, 8);
+    std::memcpy(dst, &a, 8);
+    std::memcpy(dst + n - 8, &b, 8);
+    seen = a | b;
+  } else if (n >= 4) {
+    std::uint32_t a = 0;
+    std::uint32_t b = 0;
+    std::memcpy(&a, src, 4);
+    std::memcpy(&b, src + n - 4, 4);
+    std::memcpy(dst, &a, 4);
+    std::memcpy(dst + n - 4, &b, 4);
+    seen = a | b;
+  } else if (n > 0) {
+    const char first = src[0];
+    const char middle = src[n / 2];
+    const char last = src[n - 1];
+    dst[0] = first;
+    dst[n / 2] = middle;
+    dst[n - 1] = last;
+    seen = static_cast<unsigned char>(first | middle | last);
+  }
+  return (seen & kHigh) == 0;
+}
+
 // Writes a dictionary in the compact form into a buffer that one thread
 // reuses from call to call. Keys are written once and then referred to by
 // number, so that Java makes one String per distinct key; the table that
 // finds them is open-addressed, stamped with the number of the tree so that
 // starting a tree does not clear it, and never allocates per key.
+//
+// The walk carries its write position and the end of the buffer in an `Out`
+// passed by value, so they stay in registers: a store through a char pointer
+// may alias any field, and a position kept in a field would be reloaded
+// after every byte written.
 class TreeWriter {
  public:
   // Starts a tree; `expected` is about how many bytes it will take. A small
@@ -256,8 +311,11 @@ class TreeWriter {
   // least 64), which stays in the nearest cache; the table grows to what the
   // largest tree so far used.
   void start(std::size_t expected) {
-    if (out_.size() > kKeptBytes) std::string().swap(out_);
-    if (out_.size() < expected) out_.resize(expected);
+    if (capacity_ > kKeptBytes && expected <= kKeptBytes) {
+      data_.reset();
+      capacity_ = 0;
+    }
+    if (capacity_ < expected) resize(expected);
     at_ = 0;
     mask_ = 63;
     while (mask_ < kSlots - 1 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
@@ -271,55 +329,23 @@ class TreeWriter {
   }
 
   // A whole document as the reader laid it out.
-  void node(const tavuro_JsonNode& n) {
-    room(16);
-    switch (n.type) {
-      case TAVURO_JSON_NODE_NULL: put(kNull); return;
-      case TAVURO_JSON_NODE_FALSE: put(kFalse); return;
-      case TAVURO_JSON_NODE_TRUE: put(kTrue); return;
-      case TAVURO_JSON_NODE_INT64: integer(n.payload.int64Value); return;
-      case TAVURO_JSON_NODE_UINT64:
-        put(kUnsigned);
-        fixed(n.payload.uint64Value);
-        return;
-      case TAVURO_JSON_NODE_DOUBLE: real(n.payload.doubleValue); return;
-      case TAVURO_JSON_NODE_STRING: string({n.payload.chars, n.size}); return;
-      case TAVURO_JSON_NODE_ARRAY:
-        put(kArray);
-        unsigned64(n.size);
-        for (std::uint32_t i = 0; i < n.size; ++i) node(n.payload.children[i]);
-        return;
-      case TAVURO_JSON_NODE_OBJECT:
-      default:
-        put(kObject);
-        unsigned64(n.size);
-        for (std::uint32_t i = 0; i < n.size; ++i) {
-          const tavuro_JsonNode& k = n.payload.children[2 * std::size_t{i}];
-          key({k.payload.chars, k.size});
-          node(n.payload.children[2 * std::size_t{i} + 1]);
-        }
-        return;
-    }
-  }
+  void node(const tavuro_JsonNode& n) { finish(walk(n, begin())); }
 
   // A dictionary through the C++ types, for results that only they give.
-  void object(const tavuro::JsonDictionary& dictionary) {
-    room(16);
-    put(kObject);
-    const std::size_t n = dictionary.size();
-    unsigned64(n);
-    for (std::size_t i = 0; i < n; ++i) {
-      key(dictionary.keyAt(i));
-      value(dictionary.valueAt(i));
-    }
-  }
+  void object(const tavuro::JsonDictionary& dictionary) { finish(object(dictionary, begin())); }
 
-  [[nodiscard]] const char* data() const { return out_.data(); }
+  [[nodiscard]] const char* data() const { return data_.get(); }
   [[nodiscard]] std::size_t size() const { return at_; }
   [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
 
  private:
   static constexpr std::size_t kSlots = 4096;  // a power of two
+
+  // Where the next byte goes, and the end of the buffer.
+  struct Out {
+    char* p;
+    char* end;
+  };
 
   struct KeyWords {
     std::uint64_t head = 0;
@@ -334,100 +360,173 @@ class TreeWriter {
     std::uint32_t tree = 0;  // the tree that filled the slot; 0: never
   };
 
-  void value(const tavuro::JsonValue& v) {
-    room(16);
+  struct Free {
+    void operator()(char* p) const { std::free(p); }
+  };
+
+  Out begin() { return {data_.get(), data_.get() + capacity_}; }
+  void finish(Out out) { at_ = static_cast<std::size_t>(out.p - data_.get()); }
+
+  // A container and all it holds; scalars are written in the loop, so that
+  // only containers cost a call.
+  Out walk(const tavuro_JsonNode& n, Out out) {
+    out = room(out, 16);
+    const tavuro_JsonNode* const children = n.payload.children;
+    if (n.type == TAVURO_JSON_NODE_ARRAY) {
+      *out.p++ = kArray;
+      out.p = unsigned64(out.p, n.size);
+      for (std::uint32_t i = 0; i < n.size; ++i) out = item(children[i], out);
+      return out;
+    }
+    *out.p++ = kObject;
+    out.p = unsigned64(out.p, n.size);
+    for (std::uint32_t i = 0; i < n.size; ++i) {
+      const tavuro_JsonNode& k = children[2 * std::size_t{i}];
+      out = key(out, {k.payload.chars, k.size});
+      out = item(children[2 * std::size_t{i} + 1], out);
+    }
+    return out;
+  }
+
+  __attribute__((always_inline)) Out item(const tavuro_JsonNode& n, Out out) {
+    out = room(out, 16);
+    switch (n.type) {
+      case TAVURO_JSON_NODE_NULL: *out.p++ = kNull; return out;
+      case TAVURO_JSON_NODE_FALSE: *out.p++ = kFalse; return out;
+      case TAVURO_JSON_NODE_TRUE: *out.p++ = kTrue; return out;
+      case TAVURO_JSON_NODE_INT64: out.p = integer(out.p, n.payload.int64Value); return out;
+      case TAVURO_JSON_NODE_UINT64:
+        out.p = unsignedInteger(out.p, n.payload.uint64Value);
+        return out;
+      case TAVURO_JSON_NODE_DOUBLE: out.p = real(out.p, n.payload.doubleValue); return out;
+      case TAVURO_JSON_NODE_STRING: return string(out, {n.payload.chars, n.size});
+      default: return walk(n, out);
+    }
+  }
+
+  Out object(const tavuro::JsonDictionary& dictionary, Out out) {
+    out = room(out, 16);
+    *out.p++ = kObject;
+    const std::size_t n = dictionary.size();
+    out.p = unsigned64(out.p, n);
+    for (std::size_t i = 0; i < n; ++i) {
+      out = key(out, dictionary.keyAt(i));
+      out = value(dictionary.valueAt(i), out);
+    }
+    return out;
+  }
+
+  Out value(const tavuro::JsonValue& v, Out out) {
+    out = room(out, 16);
     switch (v.kind()) {
-      case tavuro::JsonValue::Kind::Null: put(kNull); return;
+      case tavuro::JsonValue::Kind::Null: *out.p++ = kNull; return out;
       case tavuro::JsonValue::Kind::Boolean:
-        put(v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse);
-        return;
+        *out.p++ = v.boolValue() == std::optional<bool>(true) ? kTrue : kFalse;
+        return out;
       case tavuro::JsonValue::Kind::Number:
         switch (*v.numberKind()) {
-          case tavuro::JsonValue::NumberKind::Int64: integer(*v.int64Value()); return;
+          case tavuro::JsonValue::NumberKind::Int64:
+            out.p = integer(out.p, *v.int64Value());
+            return out;
           case tavuro::JsonValue::NumberKind::UInt64:
-            put(kUnsigned);
-            fixed(*v.uint64Value());
-            return;
-          case tavuro::JsonValue::NumberKind::Double: real(*v.doubleValue()); return;
+            out.p = unsignedInteger(out.p, *v.uint64Value());
+            return out;
+          case tavuro::JsonValue::NumberKind::Double:
+            out.p = real(out.p, *v.doubleValue());
+            return out;
         }
-        return;
-      case tavuro::JsonValue::Kind::String: string(*v.stringValue()); return;
+        return out;
+      case tavuro::JsonValue::Kind::String: return string(out, *v.stringValue());
       case tavuro::JsonValue::Kind::Array: {
         const std::optional<tavuro::JsonArray> array = v.arrayValue();
-        put(kArray);
+        *out.p++ = kArray;
         const std::size_t n = array->size();
-        unsigned64(n);
-        for (std::size_t i = 0; i < n; ++i) value((*array)[i]);
-        return;
+        out.p = unsigned64(out.p, n);
+        for (std::size_t i = 0; i < n; ++i) out = value((*array)[i], out);
+        return out;
       }
-      case tavuro::JsonValue::Kind::Object: object(*v.dictionaryValue()); return;
+      case tavuro::JsonValue::Kind::Object: return object(*v.dictionaryValue(), out);
     }
+    return out;
   }
 
-  void integer(std::int64_t i) {
-    put(kInt);
-    unsigned64((static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
+  // The scalar writers need at most 11 bytes of room.
+  static char* integer(char* p, std::int64_t i) {
+    *p++ = kInt;
+    return unsigned64(p,
+                      (static_cast<std::uint64_t>(i) << 1) ^ static_cast<std::uint64_t>(i >> 63));
   }
 
-  void real(double d) {
+  static char* unsignedInteger(char* p, std::uint64_t v) {
+    *p++ = kUnsigned;
+    return fixed(p, v);
+  }
+
+  static char* real(char* p, double d) {
     std::uint64_t bits = 0;
     std::memcpy(&bits, &d, sizeof bits);
-    put(kDouble);
-    fixed(bits);
+    *p++ = kDouble;
+    return fixed(p, bits);
   }
 
-  void string(std::string_view text) {
+  __attribute__((always_inline)) Out string(Out out, std::string_view text) {
     if (text.size() >= kLongStringBytes) {
-      put(kLongString);
-      unsigned64(longStrings_.size());
+      out = room(out, 16);
+      *out.p++ = kLongString;
+      out.p = unsigned64(out.p, longStrings_.size());
       longStrings_.push_back(text);
-      return;
+      return out;
     }
-    room(text.size() + 8);
-    put(ascii(text) ? kAsciiString : kString);
-    unsigned64(text.size());
-    std::memcpy(out_.data() + at_, text.data(), text.size());
-    at_ += text.size();
+    out = room(out, text.size() + 16);
+    char* const tag = out.p++;
+    out.p = unsigned64(out.p, text.size());
+    *tag = static_cast<char>(copyCheckingAscii(out.p, text.data(), text.size()) ? kAsciiString
+                                                                                : kString);
+    out.p += text.size();
+    return out;
   }
 
-  void key(std::string_view key) {
-    room(16);
+  Out key(Out out, std::string_view key) {
+    out = room(out, 16);
     const KeyWords words = wordsOf(key);
     const std::uint64_t hash =
         (words.head ^ (words.tail * 0x9E3779B97F4A7C15ULL) ^ key.size()) * 0xBF58476D1CE4E5B9ULL;
+    Slot* const slots = slots_.data();
+    const std::size_t mask = mask_;
+    const std::uint32_t tree = tree_;
     Slot* empty = nullptr;
-    for (std::size_t i = (hash >> 40) & mask_, probes = 0; probes < 16;
-         i = (i + 1) & mask_, ++probes) {
-      Slot& slot = slots_[i];
-      if (slot.tree != tree_) {
+    for (std::size_t i = (hash >> 40) & mask, probes = 0; probes < 16;
+         i = (i + 1) & mask, ++probes) {
+      Slot& slot = slots[i];
+      if (slot.tree != tree) {
         empty = &slot;
         break;
       }
       if (slot.size == key.size() && slot.words.head == words.head &&
           slot.words.tail == words.tail &&
           (key.size() <= 16 || std::memcmp(slot.data, key.data(), key.size()) == 0)) {
-        unsigned64(slot.number);
-        return;
+        out.p = unsigned64(out.p, slot.number);
+        return out;
       }
     }
     // Announced with 0 and two bytes of its hash, by which Java finds the
     // String it made for the same key before. Java numbers every announced
     // key, in order, whether or not the table here had room to remember it.
-    unsigned64(0);
-    char* p = out_.data() + at_;
-    p[0] = static_cast<char>(hash >> 48);
-    p[1] = static_cast<char>(hash >> 56);
-    at_ += 2;
-    string(key);
-    ++announced_;
-    if (empty != nullptr && announced_ <= mask_ / 2) {
+    out.p[0] = 0;
+    out.p[1] = static_cast<char>(hash >> 48);
+    out.p[2] = static_cast<char>(hash >> 56);
+    out.p += 3;
+    out = string(out, key);
+    const std::uint32_t number = ++announced_;
+    if (empty != nullptr && number <= mask / 2) {
       // Field by field: a whole-struct copy goes through the stack here.
       empty->words = words;
       empty->data = key.data();
       empty->size = static_cast<std::uint32_t>(key.size());
-      empty->number = announced_;
-      empty->tree = tree_;
+      empty->number = number;
+      empty->tree = tree;
     }
+    return out;
   }
 
   // Two words of a key: its first and last 8 bytes (4 when shorter than 8;
@@ -455,34 +554,45 @@ class TreeWriter {
     return words;
   }
 
-  // Makes room for `n` more bytes.
-  void room(std::size_t n) {
-    if (out_.size() - at_ < n) out_.resize(std::max(out_.size() * 2, at_ + n));
+  // `out` with room for `n` more bytes.
+  Out room(Out out, std::size_t n) {
+    if (static_cast<std::size_t>(out.end - out.p) >= n) return out;
+    return grow(out, n);
   }
 
-  void put(Tag tag) { out_[at_++] = static_cast<char>(tag); }
+  __attribute__((noinline)) Out grow(Out out, std::size_t n) {
+    const auto at = static_cast<std::size_t>(out.p - data_.get());
+    resize(std::max(capacity_ * 2, at + n));
+    return {data_.get() + at, data_.get() + capacity_};
+  }
 
-  void fixed(std::uint64_t v) {
-    char* p = out_.data() + at_;
+  // Keeps the bytes written so far.
+  void resize(std::size_t capacity) {
+    capacity = std::max<std::size_t>(capacity, 256);
+    char* const bigger = static_cast<char*>(std::realloc(data_.get(), capacity));
+    if (bigger == nullptr) throw std::bad_alloc();
+    static_cast<void>(data_.release());  // realloc moved it to `bigger`
+    data_.reset(bigger);
+    capacity_ = capacity;
+  }
+
+  static char* fixed(char* p, std::uint64_t v) {
     for (int b = 0; b < 8; ++b, v >>= 8) p[b] = static_cast<char>(v & 0xFF);
-    at_ += 8;
+    return p + 8;
   }
 
   // At most 10 bytes.
-  void unsigned64(std::uint64_t v) {
-    // Through a local pointer: a store through the buffer's own would make
-    // the compiler reload it after every byte.
-    char* const start = out_.data() + at_;
-    char* p = start;
+  static char* unsigned64(char* p, std::uint64_t v) {
     while (v >= 0x80) {
       *p++ = static_cast<char>((v & 0x7F) | 0x80);
       v >>= 7;
     }
     *p++ = static_cast<char>(v);
-    at_ += static_cast<std::size_t>(p - start);
+    return p;
   }
 
-  std::string out_;
+  std::unique_ptr<char, Free> data_;
+  std::size_t capacity_ = 0;
   std::size_t at_ = 0;
   std::vector<Slot> slots_;
   std::size_t mask_ = 63;
