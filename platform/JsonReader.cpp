@@ -313,8 +313,34 @@ class Reader {
     // A local cursor: stores to the member would have to be repeated for
     // every byte, since a char store may alias the text.
     char* p = p_;
+#if defined(TAVURO_JSON_SSE2)
+    // One byte (a space after a colon, say) is the common short case;
+    // longer runs, such as indentation, go 16 bytes at a time. The zero
+    // padding after the text ends every run.
+    if (!kTables.whitespace[byteAt(p)]) return;  // a control byte, or the end
+    if (!kTables.whitespace[byteAt(p + 1)]) {
+      p_ = p + 1;
+      return;
+    }
+    const auto isWhitespace = [](__m128i v) {
+      return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')),
+                                       _mm_cmpeq_epi8(v, _mm_set1_epi8('\n'))),
+                          _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\t')),
+                                       _mm_cmpeq_epi8(v, _mm_set1_epi8('\r'))));
+    };
+    for (p += 2;; p += 16) {
+      const auto other = static_cast<std::uint32_t>(
+          ~_mm_movemask_epi8(isWhitespace(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))) &
+          0xFFFF);
+      if (other != 0) {
+        p_ = p + countTrailingZeros(other);
+        return;
+      }
+    }
+#else
     while (kTables.whitespace[byteAt(p)]) ++p;
     p_ = p;
+#endif
   }
 
   JsonNode* push(NodeType type, std::uint32_t size = 0) {
@@ -341,7 +367,17 @@ class Reader {
   bool open(bool isObject);
   void close();
   bool readLiteral(const char* word, std::size_t length, NodeType type);
-  bool readString();
+  // Inline for a string without escapes or multi-byte characters, the most
+  // common kind; anything else continues out of line.
+  bool readString() {
+    char* const start = p_;
+    char* const special = findSpecial(start);
+    if (*special != '"') return readStringFrom(start, special);
+    p_ = special + 1;
+    push(NodeType::String, static_cast<std::uint32_t>(special - start))->payload.chars = start;
+    return true;
+  }
+  bool readStringFrom(char* start, char* special);
   bool readEscape(char*& src, char*& dst);
   bool readNumber();
   bool readUnusualNumber(const char* start, const char* end, bool negative, bool isInteger);
@@ -496,9 +532,8 @@ bool Reader::readLiteral(const char* word, std::size_t length, NodeType type) {
   return true;
 }
 
-bool Reader::readString() {
-  char* const start = p_;
-  char* src = findSpecial(p_);
+bool Reader::readStringFrom(char* const start, char* const special) {
+  char* src = special;
   char* dst = src;
   for (;;) {
     const unsigned char c = byteAt(src);
