@@ -735,12 +735,21 @@ TextBuffer& threadText() {
   return buffer;
 }
 
-// The compact tree of the dictionary of `size` bytes of JSON at `text`;
-// nullptr for whatever convertToDictionary gives none for. The reader's own
-// nodes are walked, so no value of the document is made in C++.
-jobject treeOfText(JNIEnv* env, const char* text, std::size_t size) {
-  const std::unique_ptr<tavuro_JsonDictionary, void (*)(tavuro_JsonDictionary*)> dictionary(
-      tavuro_Utils_convertToDictionaryWithBytes_length(text, size), tavuro_JsonDictionary_release);
+using Dictionary = std::unique_ptr<tavuro_JsonDictionary, void (*)(tavuro_JsonDictionary*)>;
+
+// The dictionary of `size` bytes of JSON at `text`; empty for whatever
+// convertToDictionary gives none for. Makes no JNI call, so it may run while
+// the text is held critical.
+Dictionary parseText(const void* text, std::size_t size) {
+  return Dictionary(
+      tavuro_Utils_convertToDictionaryWithBytes_length(static_cast<const char*>(text), size),
+      tavuro_JsonDictionary_release);
+}
+
+// The compact tree of a dictionary read from `size` bytes of text; nullptr
+// for none. The reader's own nodes are walked, so no value of the document
+// is made in C++.
+jobject treeOf(JNIEnv* env, const Dictionary& dictionary, std::size_t size) {
   if (dictionary == nullptr) return nullptr;
   TreeWriter& writer = threadWriter();
   writer.start(size + 64);
@@ -918,12 +927,17 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
     JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8) {
   try {
     if (utf8 != nullptr) {
+      // Read where it lies: the reader copies the text before it parses.
       const auto size = static_cast<std::size_t>(env->GetArrayLength(utf8));
-      char* bytes = tavuro_jni::threadText().reserve(size);
-      env->GetByteArrayRegion(utf8, 0, static_cast<jsize>(size), reinterpret_cast<jbyte*>(bytes));
-      if (std::memchr(bytes, '?', size) == nullptr) {
-        return tavuro_jni::treeOfText(env, bytes, size);
-      }
+      void* const bytes = env->GetPrimitiveArrayCritical(utf8, nullptr);
+      if (bytes == nullptr) return nullptr;  // OutOfMemoryError pending
+      // A '?' may stand for a lone surrogate, which the UTF-16 path refuses.
+      const bool plain = std::memchr(bytes, '?', size) == nullptr;
+      tavuro_jni::Dictionary dictionary =
+          plain ? tavuro_jni::parseText(bytes, size)
+                : tavuro_jni::Dictionary(nullptr, tavuro_JsonDictionary_release);
+      env->ReleasePrimitiveArrayCritical(utf8, bytes, JNI_ABORT);
+      if (plain) return tavuro_jni::treeOf(env, dictionary, size);
     }
     const auto n = static_cast<std::size_t>(env->GetStringLength(text));
     char* bytes = tavuro_jni::threadText().reserve(3 * n);
@@ -932,7 +946,8 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
     const std::ptrdiff_t size = tavuro_jni::writeUtf8(units, n, bytes);
     env->ReleaseStringCritical(text, units);
     if (size < 0) return nullptr;
-    return tavuro_jni::treeOfText(env, bytes, static_cast<std::size_t>(size));
+    return tavuro_jni::treeOf(env, tavuro_jni::parseText(bytes, static_cast<std::size_t>(size)),
+                              static_cast<std::size_t>(size));
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;

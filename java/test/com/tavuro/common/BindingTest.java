@@ -192,6 +192,12 @@ class BindingTest {
     Map<String, Object> longTexts = Utils.convertToDictionary(
         "{\"a\":\"" + ascii + "\",\"b\":[\"" + accented + "\"],\"" + ascii + "\":1}");
     assertEquals(Map.of("a", ascii, "b", List.of(accented), ascii, 1L), longTexts);
+    for (int length = 1; length <= 40; length++) { // one non-ASCII char anywhere in the text
+      for (int at = 0; at < length; at++) {
+        String s = "a".repeat(at) + "\u00e9" + "b".repeat(length - at - 1);
+        assertEquals(Map.of(s, s), Utils.convertToDictionary("{\"" + s + "\":\"" + s + "\"}"));
+      }
+    }
   }
 
   private static final String[] DOCUMENTS = {
