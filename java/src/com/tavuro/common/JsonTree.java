@@ -7,7 +7,6 @@ import java.nio.ByteOrder;
 import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
@@ -119,14 +118,15 @@ final class JsonTree {
     return list;
   }
 
+  /** The keys of an object are distinct: the reader keeps only the first of equal keys. */
   private Map<String, Object> object() {
     int n = (int) unsigned();
-    LinkedHashMap<String, Object> map = new LinkedHashMap<>(n < 12 ? 16 : (int) (n / 0.75f) + 1);
-    for (int i = 0; i < n; i++) {
-      String key = key();
-      map.putIfAbsent(key, value());
+    Object[] entries = new Object[2 * n];
+    for (int i = 0; i < 2 * n; i += 2) {
+      entries[i] = key();
+      entries[i + 1] = value();
     }
-    return map;
+    return new JsonMap(entries, n);
   }
 
   private String key() {

@@ -11,8 +11,8 @@ import java.util.Map;
  */
 public class TavuroJwtParser extends NativeObject {
   /**
-   * The payload's claims as a new map, empty when they cannot be read; null only for a null
-   * token.
+   * The payload's claims as a new map of the kind {@link Utils#convertToDictionary} makes, empty
+   * when they cannot be read; null only for a null token.
    */
   @Nullable
   public Map<String, Object> decode(@Nullable String jwtToken) {

@@ -37,6 +37,12 @@ public final class Utils {
    * null, for an array, for a text that cannot be encoded as UTF-8 (a lone surrogate) and for text
    * that is not JSON (which also prints the reader's one-line error description on standard
    * output).
+   *
+   * <p>Its maps and lists belong to the caller. The maps are of a compact kind that keeps keys and
+   * values in one array: they support every {@code Map} operation, are serializable and iterate in
+   * the order of the text; {@code get} and {@code put} take constant time, {@code remove} time in
+   * proportion to the size of the map. Like {@code HashMap} they are not safe for several threads
+   * when one of them writes.
    */
   @Nullable
   public static Map<String, Object> convertToDictionary(@Nullable String text) {

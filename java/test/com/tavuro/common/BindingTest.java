@@ -200,6 +200,50 @@ class BindingTest {
     }
   }
 
+  @Test
+  void decodedMapsBehaveAsLinkedHashMaps() throws Exception {
+    java.util.Random random = new java.util.Random(7);
+    for (int keys : new int[] {3, 8, 9, 40}) { // both sides of the index
+      StringBuilder json = new StringBuilder("{\"k0\":0");
+      for (int i = 1; i < keys; i++) {
+        json.append(",\"k").append(i).append("\":").append(i);
+      }
+      Map<String, Object> ours = Utils.convertToDictionary(json.append('}').toString());
+      Map<String, Object> theirs = new LinkedHashMap<>(ours);
+      for (int step = 0; step < 400; step++) {
+        String key = random.nextInt(10) == 0 ? null : "k" + random.nextInt(2 * keys);
+        int op = random.nextInt(6);
+        Object value = step;
+        if (op == 0 || op == 1) {
+          assertEquals(theirs.put(key, value), ours.put(key, value));
+        } else if (op == 2) {
+          assertEquals(theirs.remove(key), ours.remove(key));
+        } else if (op == 3 && !ours.isEmpty()) { // through the iterator and the entries
+          int at = random.nextInt(ours.size());
+          for (Map<String, Object> map : List.of(ours, theirs)) {
+            java.util.Iterator<Map.Entry<String, Object>> it = map.entrySet().iterator();
+            for (int i = 0; it.hasNext(); i++) {
+              it.next().setValue(i);
+              if (i == at) {
+                it.remove();
+              }
+            }
+          }
+        } else if (op == 4 && random.nextInt(20) == 0) {
+          ours.clear();
+          theirs.clear();
+        }
+        assertEquals(theirs.containsKey(key) + " " + theirs.get(key), ours.containsKey(key) + " " + ours.get(key));
+        assertEquals(new ArrayList<>(theirs.entrySet()), new ArrayList<>(ours.entrySet()));
+        assertTrue(ours.equals(theirs) && theirs.equals(ours) && ours.hashCode() == theirs.hashCode());
+      }
+      java.io.ByteArrayOutputStream bytes = new java.io.ByteArrayOutputStream();
+      new java.io.ObjectOutputStream(bytes).writeObject(ours);
+      assertEquals(theirs, new java.io.ObjectInputStream(
+          new java.io.ByteArrayInputStream(bytes.toByteArray())).readObject());
+    }
+  }
+
   private static final String[] DOCUMENTS = {
     "{}",
     "{\"k\":12,\"K\":\"12\"}",
