@@ -368,28 +368,30 @@ class TreeWriter {
   void finish(Out out) { at_ = static_cast<std::size_t>(out.p - data_.get()); }
 
   // A container and all it holds; scalars are written in the loop, so that
-  // only containers cost a call.
+  // only containers cost a call. Room is made once per member: a key that
+  // was met before and any scalar take at most 16 bytes together, and
+  // strings and containers make their own.
   Out walk(const tavuro_JsonNode& n, Out out) {
     out = room(out, 16);
     const tavuro_JsonNode* const children = n.payload.children;
     if (n.type == TAVURO_JSON_NODE_ARRAY) {
       *out.p++ = kArray;
       out.p = unsigned64(out.p, n.size);
-      for (std::uint32_t i = 0; i < n.size; ++i) out = item(children[i], out);
+      for (std::uint32_t i = 0; i < n.size; ++i) out = item(children[i], room(out, 16));
       return out;
     }
     *out.p++ = kObject;
     out.p = unsigned64(out.p, n.size);
     for (std::uint32_t i = 0; i < n.size; ++i) {
       const tavuro_JsonNode& k = children[2 * std::size_t{i}];
-      out = key(out, {k.payload.chars, k.size});
+      out = key(room(out, 32), {k.payload.chars, k.size});
       out = item(children[2 * std::size_t{i} + 1], out);
     }
     return out;
   }
 
+  // Needs 11 bytes of room for a scalar.
   __attribute__((always_inline)) Out item(const tavuro_JsonNode& n, Out out) {
-    out = room(out, 16);
     switch (n.type) {
       case TAVURO_JSON_NODE_NULL: *out.p++ = kNull; return out;
       case TAVURO_JSON_NODE_FALSE: *out.p++ = kFalse; return out;
@@ -410,7 +412,7 @@ class TreeWriter {
     const std::size_t n = dictionary.size();
     out.p = unsigned64(out.p, n);
     for (std::size_t i = 0; i < n; ++i) {
-      out = key(out, dictionary.keyAt(i));
+      out = key(room(out, 32), dictionary.keyAt(i));
       out = value(dictionary.valueAt(i), out);
     }
     return out;
@@ -486,8 +488,9 @@ class TreeWriter {
     return out;
   }
 
+  // Needs 16 bytes of room; a key met for the first time makes the rest,
+  // leaving at least 13 bytes after it.
   Out key(Out out, std::string_view key) {
-    out = room(out, 16);
     const KeyWords words = wordsOf(key);
     const std::uint64_t hash =
         (words.head ^ (words.tail * 0x9E3779B97F4A7C15ULL) ^ key.size()) * 0xBF58476D1CE4E5B9ULL;
