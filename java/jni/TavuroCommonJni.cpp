@@ -615,8 +615,18 @@ TreeWriter& threadWriter() {
 // The tree that `writer` holds as Java takes it: a byte array, or when it has
 // long strings an Object[] of the byte array and those strings in order.
 // nullptr when the JVM raised an exception.
-jobject handOver(JNIEnv* env, const TreeWriter& writer) {
-  jbyteArray tree = newBytes(env, writer.data(), writer.size());
+jobject handOver(JNIEnv* env, const TreeWriter& writer, jbyteArray into = nullptr,
+                 jsize intoLength = 0) {
+  // Into the caller's array when the tree fits: the tree ends itself, so
+  // what follows it there does not matter.
+  jbyteArray tree = nullptr;
+  if (into != nullptr && writer.size() <= static_cast<std::size_t>(intoLength)) {
+    env->SetByteArrayRegion(into, 0, static_cast<jsize>(writer.size()),
+                            reinterpret_cast<const jbyte*>(writer.data()));
+    tree = static_cast<jbyteArray>(env->NewLocalRef(into));
+  } else {
+    tree = newBytes(env, writer.data(), writer.size());
+  }
   const std::vector<std::string_view>& longStrings = writer.longStrings();
   if (tree == nullptr || longStrings.empty()) return tree;
   jobjectArray parts =
@@ -752,12 +762,13 @@ Dictionary parseText(const void* text, std::size_t size) {
 // The compact tree of a dictionary read from `size` bytes of text; nullptr
 // for none. The reader's own nodes are walked, so no value of the document
 // is made in C++.
-jobject treeOf(JNIEnv* env, const Dictionary& dictionary, std::size_t size) {
+jobject treeOf(JNIEnv* env, const Dictionary& dictionary, std::size_t size, jbyteArray into,
+               jsize intoLength) {
   if (dictionary == nullptr) return nullptr;
   TreeWriter& writer = threadWriter();
   writer.start(size + 64);
   writer.node(*tavuro_JsonDictionary_nodes(dictionary.get()));
-  return handOver(env, writer);
+  return handOver(env, writer, into, intoLength);
 }
 
 std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
@@ -927,7 +938,8 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // without a '?' those bytes are parsed. Otherwise the characters are read in
 // place and encoded here.
 extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
-    JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8) {
+    JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8, jbyteArray into,
+    jint intoLength) {
   try {
     if (utf8 != nullptr) {
       // Read where it lies: the reader copies the text before it parses.
@@ -940,7 +952,7 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
           plain ? tavuro_jni::parseText(bytes, size)
                 : tavuro_jni::Dictionary(nullptr, tavuro_JsonDictionary_release);
       env->ReleasePrimitiveArrayCritical(utf8, bytes, JNI_ABORT);
-      if (plain) return tavuro_jni::treeOf(env, dictionary, size);
+      if (plain) return tavuro_jni::treeOf(env, dictionary, size, into, intoLength);
     }
     const auto n = static_cast<std::size_t>(env->GetStringLength(text));
     char* bytes = tavuro_jni::threadText().reserve(3 * n);
@@ -950,7 +962,7 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
     env->ReleaseStringCritical(text, units);
     if (size < 0) return nullptr;
     return tavuro_jni::treeOf(env, tavuro_jni::parseText(bytes, static_cast<std::size_t>(size)),
-                              static_cast<std::size_t>(size));
+                              static_cast<std::size_t>(size), into, intoLength);
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;

@@ -51,8 +51,10 @@ public final class Utils {
     }
     // A short text that is all ASCII leaves the JVM at copying speed as its own UTF-8.
     byte[] utf8 = text.length() <= ASCII_CHECK_LIMIT ? text.getBytes(StandardCharsets.UTF_8) : null;
+    byte[] into = JsonTree.threadBuffer();
     return JsonTree.decodeObject(
-        nConvertToDictionary(text, utf8 != null && utf8.length == text.length() ? utf8 : null));
+        nConvertToDictionary(text, utf8 != null && utf8.length == text.length() ? utf8 : null,
+            into, into.length));
   }
 
   /** The number under {@code key} when it is exactly a 64-bit integer; 0 otherwise. */
@@ -158,7 +160,12 @@ public final class Utils {
     return number.doubleValue();
   }
 
-  private static native Object nConvertToDictionary(String text, @Nullable byte[] utf8);
+  /**
+   * The compact tree of {@code text} (see JsonTree), written into {@code into} when it fits in
+   * its first {@code intoLength} bytes and otherwise into a new array; null for none.
+   */
+  private static native Object nConvertToDictionary(String text, @Nullable byte[] utf8,
+      byte[] into, int intoLength);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {
