@@ -244,44 +244,87 @@ bool ascii(std::string_view text) {
   return true;
 }
 
+// A block of bytes that one thread reuses from call to call. It keeps its
+// size between calls, so that a large text does not map fresh pages each
+// time, and gives back what grew past kKeptBytes once a smaller block will do.
+class ThreadBuffer {
+ public:
+  // Room for `size` bytes, whose contents are undefined.
+  char* reserve(std::size_t size) {
+    if (size > capacity_ || (capacity_ > kKeptBytes && size <= kKeptBytes)) {
+      data_.reset();
+      capacity_ = 0;
+      data_.reset(static_cast<char*>(std::malloc(size == 0 ? 1 : size)));
+      if (data_ == nullptr) throw std::bad_alloc();
+      capacity_ = size;
+    }
+    return data_.get();
+  }
+
+  // Room for at least `size` bytes, keeping the contents.
+  char* grow(std::size_t size) {
+    if (size > capacity_) {
+      char* const bigger = static_cast<char*>(std::realloc(data_.get(), size));
+      if (bigger == nullptr) throw std::bad_alloc();
+      static_cast<void>(data_.release());  // realloc moved it to `bigger`
+      data_.reset(bigger);
+      capacity_ = size;
+    }
+    return data_.get();
+  }
+
+  [[nodiscard]] char* data() const { return data_.get(); }
+  [[nodiscard]] std::size_t capacity() const { return capacity_; }
+
+ private:
+  struct Free {
+    void operator()(char* p) const { std::free(p); }
+  };
+  std::unique_ptr<char, Free> data_;
+  std::size_t capacity_ = 0;
+};
+
+// The first and the last sizeof(Word) of the n >= sizeof(Word) bytes at
+// `p`; they overlap when n < 2 * sizeof(Word), and together with n they are
+// the whole run.
+template <typename Word>
+struct Ends {
+  Word head = 0;
+  Word tail = 0;
+
+  Ends(const char* p, std::size_t n) {
+    std::memcpy(&head, p, sizeof(Word));
+    std::memcpy(&tail, p + n - sizeof(Word), sizeof(Word));
+  }
+
+  // Writes them back at the same places of the n bytes at `p`.
+  void store(char* p, std::size_t n) const {
+    std::memcpy(p, &head, sizeof(Word));
+    std::memcpy(p + n - sizeof(Word), &tail, sizeof(Word));
+  }
+};
+
 // Copies `n` bytes from `src` to `dst`, which do not overlap; true when all
 // of them are ASCII. Short strings, the common case, take a few whole-word
 // loads and stores instead of a call to memcpy and a second pass.
 inline bool copyCheckingAscii(char* dst, const char* src, std::size_t n) {
   constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
   std::uint64_t seen = 0;
-  if (n >= 16) {
-    std::uint64_t a = 0;
-    std::uint64_t b = 0;
-    for (std::size_t i = 0; i + 16 <= n; i += 16) {
-      std::memcpy(&a, src + i, 8);
-      std::memcpy(&b, src + i + 8, 8);
-      std::memcpy(dst + i, &a, 8);
-      std::memcpy(dst + i + 8, &b, 8);
-      seen |= a | b;
+  if (n >= 8) {
+    // 16 bytes at a time, the last 16 (or the only 8 to 15) overlapping.
+    for (std::size_t i = 0; i + 16 < n; i += 16) {
+      const Ends<std::uint64_t> words(src + i, 16);
+      words.store(dst + i, 16);
+      seen |= words.head | words.tail;
     }
-    // The last 16 bytes again, overlapping what the loop copied.
-    std::memcpy(&a, src + n - 16, 8);
-    std::memcpy(&b, src + n - 8, 8);
-    std::memcpy(dst + n - 16, &a, 8);
-    std::memcpy(dst + n - 8, &b, 8);
-    seen |= a | b;
-  } else if (n >= 8) {
-    std::uint64_t a = 0;
-    std::uint64_t b = 0;
-    std::memcpy(&a, src, 8);
-    std::memcpy(&b, src + n - 8, 8);
-    std::memcpy(dst, &a, 8);
-    std::memcpy(dst + n - 8, &b, 8);
-    seen = a | b;
+    const std::size_t last = n >= 16 ? n - 16 : 0;
+    const Ends<std::uint64_t> words(src + last, n - last);
+    words.store(dst + last, n - last);
+    seen |= words.head | words.tail;
   } else if (n >= 4) {
-    std::uint32_t a = 0;
-    std::uint32_t b = 0;
-    std::memcpy(&a, src, 4);
-    std::memcpy(&b, src + n - 4, 4);
-    std::memcpy(dst, &a, 4);
-    std::memcpy(dst + n - 4, &b, 4);
-    seen = a | b;
+    const Ends<std::uint32_t> words(src, n);
+    words.store(dst, n);
+    seen = words.head | words.tail;
   } else if (n > 0) {
     const char first = src[0];
     const char middle = src[n / 2];
@@ -311,11 +354,7 @@ class TreeWriter {
   // least 64), which stays in the nearest cache; the table grows to what the
   // largest tree so far used.
   void start(std::size_t expected) {
-    if (capacity_ > kKeptBytes && expected <= kKeptBytes) {
-      data_.reset();
-      capacity_ = 0;
-    }
-    if (capacity_ < expected) resize(expected);
+    buffer_.reserve(expected);
     at_ = 0;
     mask_ = 63;
     while (mask_ < kSlots - 1 && (mask_ + 1) * 16 < expected) mask_ = mask_ * 2 + 1;
@@ -334,7 +373,7 @@ class TreeWriter {
   // A dictionary through the C++ types, for results that only they give.
   void object(const tavuro::JsonDictionary& dictionary) { finish(object(dictionary, begin())); }
 
-  [[nodiscard]] const char* data() const { return data_.get(); }
+  [[nodiscard]] const char* data() const { return buffer_.data(); }
   [[nodiscard]] std::size_t size() const { return at_; }
   [[nodiscard]] const std::vector<std::string_view>& longStrings() const { return longStrings_; }
 
@@ -360,12 +399,8 @@ class TreeWriter {
     std::uint32_t tree = 0;  // the tree that filled the slot; 0: never
   };
 
-  struct Free {
-    void operator()(char* p) const { std::free(p); }
-  };
-
-  Out begin() { return {data_.get(), data_.get() + capacity_}; }
-  void finish(Out out) { at_ = static_cast<std::size_t>(out.p - data_.get()); }
+  Out begin() { return {buffer_.data(), buffer_.data() + buffer_.capacity()}; }
+  void finish(Out out) { at_ = static_cast<std::size_t>(out.p - buffer_.data()); }
 
   // A container and all it holds; scalars are written in the loop, so that
   // only containers cost a call. Room is made once per member: a key that
@@ -540,15 +575,13 @@ class TreeWriter {
     const std::size_t n = key.size();
     KeyWords words;
     if (n >= 8) {
-      std::memcpy(&words.head, p, 8);
-      std::memcpy(&words.tail, p + n - 8, 8);
+      const Ends<std::uint64_t> ends(p, n);
+      words.head = ends.head;
+      words.tail = ends.tail;
     } else if (n >= 4) {
-      std::uint32_t head = 0;
-      std::uint32_t tail = 0;
-      std::memcpy(&head, p, 4);
-      std::memcpy(&tail, p + n - 4, 4);
-      words.head = head;
-      words.tail = tail;
+      const Ends<std::uint32_t> ends(p, n);
+      words.head = ends.head;
+      words.tail = ends.tail;
     } else if (n > 0) {
       words.head = static_cast<unsigned char>(p[0]) |
                    static_cast<std::uint64_t>(static_cast<unsigned char>(p[n / 2])) << 8 |
@@ -564,19 +597,9 @@ class TreeWriter {
   }
 
   __attribute__((noinline)) Out grow(Out out, std::size_t n) {
-    const auto at = static_cast<std::size_t>(out.p - data_.get());
-    resize(std::max(capacity_ * 2, at + n));
-    return {data_.get() + at, data_.get() + capacity_};
-  }
-
-  // Keeps the bytes written so far.
-  void resize(std::size_t capacity) {
-    capacity = std::max<std::size_t>(capacity, 256);
-    char* const bigger = static_cast<char*>(std::realloc(data_.get(), capacity));
-    if (bigger == nullptr) throw std::bad_alloc();
-    static_cast<void>(data_.release());  // realloc moved it to `bigger`
-    data_.reset(bigger);
-    capacity_ = capacity;
+    const auto at = static_cast<std::size_t>(out.p - buffer_.data());
+    char* const data = buffer_.grow(std::max({buffer_.capacity() * 2, at + n, std::size_t{256}}));
+    return {data + at, data + buffer_.capacity()};
   }
 
   static char* fixed(char* p, std::uint64_t v) {
@@ -594,8 +617,7 @@ class TreeWriter {
     return p;
   }
 
-  std::unique_ptr<char, Free> data_;
-  std::size_t capacity_ = 0;
+  ThreadBuffer buffer_;
   std::size_t at_ = 0;
   std::vector<Slot> slots_;
   std::size_t mask_ = 63;
@@ -615,12 +637,11 @@ TreeWriter& threadWriter() {
 // The tree that `writer` holds as Java takes it: a byte array, or when it has
 // long strings an Object[] of the byte array and those strings in order.
 // nullptr when the JVM raised an exception.
-jobject handOver(JNIEnv* env, const TreeWriter& writer, jbyteArray into = nullptr,
-                 jsize intoLength = 0) {
+jobject handOver(JNIEnv* env, const TreeWriter& writer, jbyteArray into = nullptr) {
   // Into the caller's array when the tree fits: the tree ends itself, so
   // what follows it there does not matter.
   jbyteArray tree = nullptr;
-  if (into != nullptr && writer.size() <= static_cast<std::size_t>(intoLength)) {
+  if (into != nullptr && writer.size() <= static_cast<std::size_t>(env->GetArrayLength(into))) {
     env->SetByteArrayRegion(into, 0, static_cast<jsize>(writer.size()),
                             reinterpret_cast<const jbyte*>(writer.data()));
     tree = static_cast<jbyteArray>(env->NewLocalRef(into));
@@ -718,33 +739,8 @@ std::ptrdiff_t writeUtf8(const jchar* units, std::size_t n, char* out) {
   return out - start;
 }
 
-// A buffer that one thread reuses for the texts it parses. It keeps its size
-// between calls, so that a large text does not map fresh pages each time,
-// and gives back what grew past kKeptBytes once a smaller text comes.
-class TextBuffer {
- public:
-  // Room for `size` bytes, whose contents are undefined.
-  char* reserve(std::size_t size) {
-    if (size > capacity_ || (capacity_ > kKeptBytes && size <= kKeptBytes)) {
-      data_.reset();
-      capacity_ = 0;
-      data_.reset(static_cast<char*>(std::malloc(size == 0 ? 1 : size)));
-      if (data_ == nullptr) throw std::bad_alloc();
-      capacity_ = size;
-    }
-    return data_.get();
-  }
-
- private:
-  struct Free {
-    void operator()(char* p) const { std::free(p); }
-  };
-  std::unique_ptr<char, Free> data_;
-  std::size_t capacity_ = 0;
-};
-
-TextBuffer& threadText() {
-  static thread_local TextBuffer buffer;
+ThreadBuffer& threadText() {
+  static thread_local ThreadBuffer buffer;
   return buffer;
 }
 
@@ -762,13 +758,12 @@ Dictionary parseText(const void* text, std::size_t size) {
 // The compact tree of a dictionary read from `size` bytes of text; nullptr
 // for none. The reader's own nodes are walked, so no value of the document
 // is made in C++.
-jobject treeOf(JNIEnv* env, const Dictionary& dictionary, std::size_t size, jbyteArray into,
-               jsize intoLength) {
+jobject treeOf(JNIEnv* env, const Dictionary& dictionary, std::size_t size, jbyteArray into) {
   if (dictionary == nullptr) return nullptr;
   TreeWriter& writer = threadWriter();
   writer.start(size + 64);
   writer.node(*tavuro_JsonDictionary_nodes(dictionary.get()));
-  return handOver(env, writer, into, intoLength);
+  return handOver(env, writer, into);
 }
 
 std::optional<std::string> bytesArgument(JNIEnv* env, jbyteArray array) {
@@ -938,8 +933,7 @@ extern "C" JNIEXPORT void JNICALL Java_com_tavuro_common_TavuroInitializer_nInit
 // without a '?' those bytes are parsed. Otherwise the characters are read in
 // place and encoded here.
 extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDictionary(
-    JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8, jbyteArray into,
-    jint intoLength) {
+    JNIEnv* env, jclass /*unused*/, jstring text, jbyteArray utf8, jbyteArray into) {
   try {
     if (utf8 != nullptr) {
       // Read where it lies: the reader copies the text before it parses.
@@ -952,7 +946,7 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
           plain ? tavuro_jni::parseText(bytes, size)
                 : tavuro_jni::Dictionary(nullptr, tavuro_JsonDictionary_release);
       env->ReleasePrimitiveArrayCritical(utf8, bytes, JNI_ABORT);
-      if (plain) return tavuro_jni::treeOf(env, dictionary, size, into, intoLength);
+      if (plain) return tavuro_jni::treeOf(env, dictionary, size, into);
     }
     const auto n = static_cast<std::size_t>(env->GetStringLength(text));
     char* bytes = tavuro_jni::threadText().reserve(3 * n);
@@ -962,7 +956,7 @@ extern "C" JNIEXPORT jobject JNICALL Java_com_tavuro_common_Utils_nConvertToDict
     env->ReleaseStringCritical(text, units);
     if (size < 0) return nullptr;
     return tavuro_jni::treeOf(env, tavuro_jni::parseText(bytes, static_cast<std::size_t>(size)),
-                              static_cast<std::size_t>(size), into, intoLength);
+                              static_cast<std::size_t>(size), into);
   } catch (const std::bad_alloc&) {
     tavuro_jni::throwOutOfMemory(env);
     return nullptr;

@@ -52,10 +52,6 @@ final class JsonTree {
     }
   }
 
-  /** Each thread's array for trees that fit, so that most calls allocate none. */
-  private static final ThreadLocal<byte[]> THREAD_BUFFER =
-      ThreadLocal.withInitial(() -> new byte[16384]);
-
   private final byte[] bytes;
   private final Object[] longStrings;
   private int pos;
@@ -81,14 +77,6 @@ final class JsonTree {
         ? new JsonTree((byte[]) encoded, null)
         : new JsonTree((byte[]) ((Object[]) encoded)[0], (Object[]) encoded);
     return (Map<String, Object>) tree.value();
-  }
-
-  /**
-   * The calling thread's array for a tree to be written into; it may be handed to {@link
-   * #decodeObject} and used again once that returned.
-   */
-  static byte[] threadBuffer() {
-    return THREAD_BUFFER.get();
   }
 
   private Object value() {

@@ -32,12 +32,13 @@ final class NativeLibrary {
     // The static initializer above does the work.
   }
 
-  // Text results arrive in this per-thread buffer: filling a Java array from native code and
-  // making the String in Java costs a fraction of making the String in native code.
+  // Text results and small JSON trees arrive in this per-thread buffer: filling a Java array from
+  // native code and making the objects in Java costs a fraction of making them in native code,
+  // and a call that fits allocates no array. Whoever fills it reads it before the next call.
   private static final ThreadLocal<byte[]> TEXT_BUFFER =
-      ThreadLocal.withInitial(() -> new byte[256]);
+      ThreadLocal.withInitial(() -> new byte[16384]);
 
-  /** The calling thread's buffer for text results. */
+  /** The calling thread's buffer for text results and small JSON trees. */
   static byte[] textBuffer() {
     return TEXT_BUFFER.get();
   }

@@ -51,10 +51,9 @@ public final class Utils {
     }
     // A short text that is all ASCII leaves the JVM at copying speed as its own UTF-8.
     byte[] utf8 = text.length() <= ASCII_CHECK_LIMIT ? text.getBytes(StandardCharsets.UTF_8) : null;
-    byte[] into = JsonTree.threadBuffer();
     return JsonTree.decodeObject(
         nConvertToDictionary(text, utf8 != null && utf8.length == text.length() ? utf8 : null,
-            into, into.length));
+            NativeLibrary.textBuffer()));
   }
 
   /** The number under {@code key} when it is exactly a 64-bit integer; 0 otherwise. */
@@ -161,11 +160,11 @@ public final class Utils {
   }
 
   /**
-   * The compact tree of {@code text} (see JsonTree), written into {@code into} when it fits in
-   * its first {@code intoLength} bytes and otherwise into a new array; null for none.
+   * The compact tree of {@code text} (see JsonTree), written into {@code into} when it fits and
+   * otherwise into a new array; null for none.
    */
   private static native Object nConvertToDictionary(String text, @Nullable byte[] utf8,
-      byte[] into, int intoLength);
+      byte[] into);
 
   // BEGIN generated from interface/TavuroCommon.json: members
   static {

@@ -72,7 +72,7 @@ class BindingTest {
   void textsCrossBothWaysUnchanged() {
     Endpoints endpoints = new Endpoints();
     String[] texts = {"", "plain", "ü€", "emoji \ud83d\ude00", "\uffff",
-      "\u00e9\ud83d\ude00".repeat(200)}; // longer than the text buffer
+      "\u00e9\ud83d\ude00".repeat(3000)}; // longer than the text buffer
     for (String text : texts) {
       endpoints.setFrmEndpoint(text);
       assertEquals(text, endpoints.getFrmEndpoint());
