@@ -130,8 +130,7 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
     Object[] e = entries;
     if (index == null) {
       for (int i = 0; i < size; i++) {
-        Object k = e[2 * i];
-        if (k == key || (key != null && key.equals(k))) {
+        if (Objects.equals(key, e[2 * i])) {
           return i;
         }
       }
@@ -143,8 +142,7 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
       if (number == 0) {
         return -1;
       }
-      Object k = e[2 * (number - 1)];
-      if (k == key || (key != null && key.equals(k))) {
+      if (Objects.equals(key, e[2 * (number - 1)])) {
         return number - 1;
       }
     }
