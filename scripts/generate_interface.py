@@ -527,11 +527,11 @@ def manual_problems(interface, c_header):
             for key in ("c_function", "c_buffer"):
                 if key in member and member[key] not in declared:
                     problems.append("%s is not declared in %s" % (member[key], C_HEADER))
-        if "c_revision" in cls and cls["c_revision"] not in declared:
-            problems.append("%s is not declared in %s" % (cls["c_revision"], C_HEADER))
             if member.get("c") == "manual":
                 problems += ["%s is written by hand but not declared in %s" % (function, C_HEADER)
                              for function, _ in c_functions(cls["name"], member) if function not in declared]
+        if "c_revision" in cls and cls["c_revision"] not in declared:
+            problems.append("%s is not declared in %s" % (cls["c_revision"], C_HEADER))
     return problems
 
 
