@@ -204,14 +204,18 @@ bool CredentialStore::hasCredentialsOrToken() const noexcept {
 }
 
 std::optional<std::string> CredentialStore::tavuroAuthHeader() const {
-  // The token's expiry is deliberately not looked at here, nor in
-  // tavuroAuthHeaderParts, which must give the same value.
-  if (token_) return "Bearer " + token_->value();
-  return basicAuthHeader_;
+  std::string_view head;
+  std::string_view tail;
+  if (!tavuroAuthHeaderParts(head, tail)) return std::nullopt;
+  std::string header;
+  header.reserve(head.size() + tail.size());
+  header.append(head).append(tail);
+  return header;
 }
 
 bool CredentialStore::tavuroAuthHeaderParts(std::string_view& head,
                                             std::string_view& tail) const noexcept {
+  // The token's expiry is deliberately not looked at.
   if (token_) {
     head = "Bearer ";
     tail = token_->value();
