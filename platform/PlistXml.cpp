@@ -65,26 +65,14 @@ std::size_t unicodeSpaceLength(std::string_view text, bool integer) {
   return space ? 3 : 0;
 }
 
-/// Skips what the platform passes over before an integer and after its
-/// sign: every byte up to the space, DEL, the bytes 0x80 to 0xA0 even where
-/// they are not UTF-8, and some Unicode spaces.
-std::string_view skipIntegerFiller(std::string_view text) {
+/// Skips what the platform passes over before a number: control characters,
+/// the space, DEL and some Unicode spaces; before an integer and after its
+/// sign also the bytes 0x80 to 0xA0, even where they are not UTF-8.
+std::string_view skipFiller(std::string_view text, bool integer) {
   while (!text.empty()) {
     const auto c = static_cast<unsigned char>(text.front());
-    const std::size_t length =
-        c <= 0x20 || (c >= 0x7F && c <= 0xA0) ? 1 : unicodeSpaceLength(text, true);
-    if (length == 0) break;
-    text.remove_prefix(length);
-  }
-  return text;
-}
-
-/// Skips what the platform passes over before a real (not after its sign):
-/// control characters, the space, DEL and some Unicode spaces.
-std::string_view skipRealFiller(std::string_view text) {
-  while (!text.empty()) {
-    const auto c = static_cast<unsigned char>(text.front());
-    const std::size_t length = c <= 0x20 || c == 0x7F ? 1 : unicodeSpaceLength(text, false);
+    const bool filler = c <= 0x20 || c == 0x7F || (integer && c >= 0x80 && c <= 0xA0);
+    const std::size_t length = filler ? 1 : unicodeSpaceLength(text, integer);
     if (length == 0) break;
     text.remove_prefix(length);
   }
@@ -95,11 +83,11 @@ std::string_view skipRealFiller(std::string_view text) {
 /// range a property-list integer can hold: -2^63 to 2^64-1. `text` is the
 /// element's raw bytes: references and CDATA are not read there.
 bool isPlistInteger(std::string_view text) {
-  text = skipIntegerFiller(text);
+  text = skipFiller(text, true);
   bool negative = false;
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
     negative = text.front() == '-';
-    text = skipIntegerFiller(text.substr(1));  // an integer's sign may stand apart
+    text = skipFiller(text.substr(1), true);  // an integer's sign may stand apart
   }
   std::uint64_t base = 10;
   if (text.size() > 2 && text[0] == '0' && asciiLower(text[1]) == 'x') {
@@ -135,7 +123,7 @@ bool isPlistReal(std::string_view text) {
       equalsIgnoringAsciiCase(word, "infinity")) {
     return true;
   }
-  text = skipRealFiller(text);
+  text = skipFiller(text, false);
   if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
   std::size_t pos = countDigits(text, 0);
   std::size_t mantissaDigits = pos;
@@ -439,7 +427,7 @@ class XmlPlistReader {
   }
 
   /// The text of an element read as its bytes up to the next "<", then its
-  /// end tag; as on the platform for integers and dates, references and
+  /// end tag; as on the platform for integers, dates and data, references and
   /// CDATA are not read there.
   bool readRawText(const Tag& tag, std::string_view* text) {
     if (tag.isEmpty) return true;
@@ -485,11 +473,8 @@ class XmlPlistReader {
     if (tag.name == "data") {
       // The platform decodes data leniently and never refuses it, nor does
       // it look for references there.
-      if (tag.isEmpty) return true;
-      const std::size_t end = in_.find('<', pos_);
-      if (end == std::string_view::npos || !isValidUtf8(in_.substr(pos_, end - pos_))) return false;
-      pos_ = end;
-      return readEndTag("data");
+      std::string_view raw;
+      return readRawText(tag, &raw) && isValidUtf8(raw);
     }
     if (tag.name == "integer" || tag.name == "date") {
       std::string_view raw;
