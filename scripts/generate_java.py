@@ -308,7 +308,6 @@ def java_method(types, cls, member, getter_setter=None):
     args = member.get("args", [])
     params = ", ".join("%s%s %s" % (nullity(types, a["type"], True, kind == "init"), types.java(a["type"]), a["name"])
                        for a in args)
-    values = ", ".join(java_arg_value(types, a) for a in args)
     if kind == "init":
         selector = member["selector"]
         if selector is None:  # the plain constructor: the factory without arguments
@@ -316,15 +315,13 @@ def java_method(types, cls, member, getter_setter=None):
         out += javadoc(member_doc(cls, member, "get"))
         out.append("public %s(%s) {" % (cls["name"], params))
         # The arguments are checked as they are passed, before native code is reached.
-        values = ", ".join(java_arg_value(types, a, a["type"] in ("text", "instant")) for a in args)
-        line = "  super(%s(%s), %s::nRelease);" % (native_name(selector), values, cls["name"])
+        checked = [java_arg_value(types, a, a["type"] in ("text", "instant")) for a in args]
+        line = "  super(%s(%s), %s::nRelease);" % (native_name(selector), ", ".join(checked), cls["name"])
         if len(line) + 2 <= 100:
             out.append(line)
         else:
             out += ["  super(", "      %s(" % native_name(selector)]
-            out += ["          %s%s" % (v, "," if i < len(args) - 1 else "),")
-                    for i, v in enumerate(java_arg_value(types, a, a["type"] in ("text", "instant"))
-                                          for a in args)]
+            out += ["          %s%s" % (v, "," if i < len(args) - 1 else "),") for i, v in enumerate(checked)]
             out.append("      %s::nRelease);" % cls["name"])
         out.append("}")
         return out, [(native_name(selector), "long", [], c_name(cls["name"], selector), True, args)]
@@ -333,6 +330,7 @@ def java_method(types, cls, member, getter_setter=None):
     out.append("public%s%s %s%s %s(%s) {" % (" static" if static else "", "" if static or kind == "factory" else final,
                                            nullity(types, result) if kind != "factory" else "",
                                            types.java(result) if result != "void" else "void", name, params))
+    values = ", ".join(java_arg_value(types, a) for a in args)
     call = "%s(%s)" % (native_name(member["selector"]), ", ".join(([] if static else ["handle"]) + ([values] if values else [])))
     out += ["  " + l for l in java_body(types, cls, member, call, result, args, static)]
     out.append("}")
