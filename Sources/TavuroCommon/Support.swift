@@ -21,11 +21,15 @@ func takeText(_ text: UnsafeMutablePointer<CChar>?) -> String? {
     return String(cString: text)
 }
 
-/// A text that a C function writes into the caller's buffer (see
-/// tavuro_Credential_copyTavuroAuthHeader), built in the string's own storage:
-/// one allocation, no C copy to free. `nil` when the C function has no text.
+/// A C function that writes a text into the caller's buffer, snprintf-like
+/// (see tavuro_Credential_copyTavuroAuthHeader): buffer, its size, the
+/// text's length out; false when there is no text.
+typealias TextCopy = (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool
+
+/// The text that `copy` writes, built in the string's own storage: one
+/// allocation, no C copy to free. `nil` when the C function has no text.
 @inline(__always)
-func copiedText(_ copy: (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool) -> String? {
+func copiedText(_ copy: TextCopy) -> String? {
     var length = 0
     guard copy(nil, 0, &length) else { return nil }
     // The text may change between the calls; then ask again with its new length.
@@ -47,14 +51,13 @@ func copiedText(_ copy: (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer
 /// The text of a C buffer function, made again only when a revision number
 /// from the library changes; safe to use from any thread.
 final class KeptText: @unchecked Sendable {
-    typealias Copy = (UnsafeMutablePointer<CChar>?, Int, UnsafeMutablePointer<Int>?) -> Bool
-    private let copy: Copy
+    private let copy: TextCopy
     private let revision: () -> UInt64
     private let lock = NSLock()
     private var keptRevision: UInt64 = 0  // 0: nothing kept; guarded by `lock`
     private var kept: String?  // guarded by `lock`
 
-    init(_ copy: @escaping Copy, revision: @escaping () -> UInt64) {
+    init(_ copy: @escaping TextCopy, revision: @escaping () -> UInt64) {
         self.copy = copy
         self.revision = revision
     }
