@@ -134,6 +134,12 @@ void* NodeArena::newChunk(std::size_t bytes) {
   return chunk + 1;
 }
 
+void NodeArena::expect(std::size_t bytes) noexcept {
+  if (chunks_ != nullptr) return;
+  const std::size_t rounded = (std::min(bytes, ChunkPool::kChunkBytes) + 15) & ~std::size_t{15};
+  nextChunkSize_ = std::clamp(rounded, nextChunkSize_, ChunkPool::kChunkBytes);
+}
+
 void* NodeArena::allocateSlow(std::size_t bytes) {
   // Small documents start with small chunks; large ones settle on the size
   // the pool recycles.

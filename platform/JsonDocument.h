@@ -82,6 +82,10 @@ class NodeArena {
     return allocateSlow(bytes);
   }
 
+  /// Makes the first chunk about `bytes` large, within the usual chunk
+  /// sizes, so that a document whose nodes take about that much gets one.
+  void expect(std::size_t bytes) noexcept;
+
   static void freeChunks(Chunk* list) noexcept;
 
  private:

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -116,7 +117,12 @@ inline char* findSpecial(char* p) noexcept {
     return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, quote), _mm_cmpeq_epi8(v, backslash)),
                         _mm_cmplt_epi8(v, limit));
   };
-  for (;;) {
+  // Most strings are keys and short values: 16 bytes first, then 32 at a
+  // time.
+  const auto first = static_cast<std::uint32_t>(
+      _mm_movemask_epi8(special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))));
+  if (first != 0) return p + countTrailingZeros(first);
+  for (p += 16;; p += 32) {
     const __m128i a = special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
     const __m128i b = special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16)));
     const auto maskA = static_cast<std::uint32_t>(_mm_movemask_epi8(a));
@@ -124,7 +130,6 @@ inline char* findSpecial(char* p) noexcept {
     if ((maskA | maskB) != 0) {
       return p + countTrailingZeros(maskA | (maskB << 16));
     }
-    p += 32;
   }
 #else
   for (;;) {
@@ -256,28 +261,30 @@ class NodeStack {
   }
 
   JsonNode* push() {
-    if (size_ == capacity_) grow();
-    return data_ + size_++;
+    if (top_ == end_) grow();
+    return top_++;
   }
   JsonNode* data() noexcept { return data_; }
-  [[nodiscard]] std::size_t size() const noexcept { return size_; }
-  void truncate(std::size_t size) noexcept { size_ = size; }
+  [[nodiscard]] std::size_t size() const noexcept { return static_cast<std::size_t>(top_ - data_); }
+  void truncate(std::size_t size) noexcept { top_ = data_ + size; }
 
  private:
   void grow() {
-    const std::size_t capacity = capacity_ * 2;
+    const std::size_t size = this->size();
+    const std::size_t capacity = 2 * static_cast<std::size_t>(end_ - data_);
     auto* fresh = static_cast<JsonNode*>(::operator new(capacity * sizeof(JsonNode)));
-    std::memcpy(static_cast<void*>(fresh), data_, size_ * sizeof(JsonNode));
+    std::memcpy(static_cast<void*>(fresh), data_, size * sizeof(JsonNode));
     if (data_ != inline_) ::operator delete(data_);
     data_ = fresh;
-    capacity_ = capacity;
+    top_ = fresh + size;
+    end_ = fresh + capacity;
   }
 
   static constexpr std::size_t kInlineCapacity = 128;
   JsonNode inline_[kInlineCapacity];
   JsonNode* data_ = inline_;
-  std::size_t size_ = 0;
-  std::size_t capacity_ = kInlineCapacity;
+  JsonNode* top_ = inline_;
+  JsonNode* end_ = inline_ + kInlineCapacity;
 };
 
 struct Children {
@@ -289,7 +296,7 @@ struct Children {
 class Reader {
  public:
   Reader(char* text, std::size_t size, JsonDocument& document)
-      : p_(text), begin_(text), end_(text + size), document_(document) {}
+      : begin_(text), end_(text + size), document_(document) {}
 
   bool parse();
   [[nodiscard]] JsonErrorKind errorKind() const noexcept { return error_; }
@@ -303,25 +310,25 @@ class Reader {
     errorAt_ = at;
     return false;
   }
+  // fail() for the readers that return a position.
+  std::nullptr_t failed(JsonErrorKind kind, const char* at) noexcept {
+    fail(kind, at);
+    return nullptr;
+  }
   // The character at `at` was not what the grammar allows there.
   bool failAt(const char* at) noexcept {
     return fail(at >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::UnexpectedCharacter, at);
   }
 
-  void skipWhitespace() noexcept {
-    if (byteAt(p_) > ' ') return;
-    // A local cursor: stores to the member would have to be repeated for
-    // every byte, since a char store may alias the text.
-    char* p = p_;
+  // The first byte at or after `p` that is not whitespace.
+  static char* skipWhitespace(char* p) noexcept {
+    if (byteAt(p) > ' ') return p;
 #if defined(TAVURO_JSON_SSE2)
     // One byte (a space after a colon, say) is the common short case;
     // longer runs, such as indentation, go 16 bytes at a time. The zero
     // padding after the text ends every run.
-    if (!kTables.whitespace[byteAt(p)]) return;  // a control byte, or the end
-    if (!kTables.whitespace[byteAt(p + 1)]) {
-      p_ = p + 1;
-      return;
-    }
+    if (!kTables.whitespace[byteAt(p)]) return p;  // a control byte, or the end
+    if (!kTables.whitespace[byteAt(p + 1)]) return p + 1;
     const auto isWhitespace = [](__m128i v) {
       return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')),
                                        _mm_cmpeq_epi8(v, _mm_set1_epi8('\n'))),
@@ -332,14 +339,11 @@ class Reader {
       const auto other = static_cast<std::uint32_t>(
           ~_mm_movemask_epi8(isWhitespace(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))) &
           0xFFFF);
-      if (other != 0) {
-        p_ = p + countTrailingZeros(other);
-        return;
-      }
+      if (other != 0) return p + countTrailingZeros(other);
     }
 #else
     while (kTables.whitespace[byteAt(p)]) ++p;
-    p_ = p;
+    return p;
 #endif
   }
 
@@ -364,22 +368,23 @@ class Reader {
     }
   }
 
-  bool open(bool isObject);
+  // The readers of values below take the position of the value's first
+  // byte (after the quote, for strings) and return the position after it,
+  // or null when it is not valid.
+  bool open(bool isObject, const char* at);
   void close();
-  bool readLiteral(const char* word, std::size_t length, NodeType type);
+  char* readLiteral(char* p, const char* word, std::size_t length, NodeType type);
   // Inline for a string without escapes or multi-byte characters, the most
   // common kind; anything else continues out of line.
-  bool readString() {
-    char* const start = p_;
+  char* readString(char* start) {
     char* const special = findSpecial(start);
     if (*special != '"') return readStringFrom(start, special);
-    p_ = special + 1;
     push(NodeType::String, static_cast<std::uint32_t>(special - start))->payload.chars = start;
-    return true;
+    return special + 1;
   }
-  bool readStringFrom(char* start, char* special);
+  char* readStringFrom(char* start, char* special);
   bool readEscape(char*& src, char*& dst);
-  bool readNumber();
+  char* readNumber(char* start);
   bool readUnusualNumber(const char* start, const char* end, bool negative, bool isInteger);
   JsonNode* copyToArena(const JsonNode* nodes, std::size_t count, std::size_t slotCount);
   Children finishObject(JsonNode* members, std::uint32_t count);
@@ -387,7 +392,6 @@ class Reader {
   std::uint32_t indexKeys(JsonNode* members, std::uint32_t count, KeySlot* slots,
                           unsigned bits) const;
 
-  char* p_;
   char* const begin_;
   char* const end_;
   JsonDocument& document_;
@@ -399,44 +403,49 @@ class Reader {
 };
 
 bool Reader::parse() {
-  skipWhitespace();
-  if (*p_ != '{' && *p_ != '[') {
-    return fail(p_ >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::NotAContainer, p_);
+  // The position is a local, not a member, so that it stays in a register:
+  // every node written is a store that could alias a member.
+  char* p = skipWhitespace(begin_);
+  if (*p != '{' && *p != '[') {
+    return fail(p >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::NotAContainer, p);
   }
 
 value:
-  skipWhitespace();
-  switch (*p_) {
+  p = skipWhitespace(p);
+  switch (*p) {
     case '{':
-      if (!open(true)) return false;
-      skipWhitespace();
-      if (*p_ == '}') {
-        ++p_;
+      if (!open(true, p)) return false;
+      p = skipWhitespace(p + 1);
+      if (*p == '}') {
+        ++p;
         close();
         goto after_value;
       }
       goto member;
     case '[':
-      if (!open(false)) return false;
-      skipWhitespace();
-      if (*p_ == ']') {
-        ++p_;
+      if (!open(false, p)) return false;
+      p = skipWhitespace(p + 1);
+      if (*p == ']') {
+        ++p;
         close();
         goto after_value;
       }
       goto value;
     case '"':
-      ++p_;
-      if (!readString()) return false;
+      p = readString(p + 1);
+      if (p == nullptr) return false;
       goto after_value;
     case 't':
-      if (!readLiteral("true", 4, NodeType::True)) return false;
+      p = readLiteral(p, "true", 4, NodeType::True);
+      if (p == nullptr) return false;
       goto after_value;
     case 'f':
-      if (!readLiteral("false", 5, NodeType::False)) return false;
+      p = readLiteral(p, "false", 5, NodeType::False);
+      if (p == nullptr) return false;
       goto after_value;
     case 'n':
-      if (!readLiteral("null", 4, NodeType::Null)) return false;
+      p = readLiteral(p, "null", 4, NodeType::Null);
+      if (p == nullptr) return false;
       goto after_value;
     case '-':
     case '0':
@@ -449,46 +458,43 @@ value:
     case '7':
     case '8':
     case '9':
-      if (!readNumber()) return false;
+      p = readNumber(p);
+      if (p == nullptr) return false;
       goto after_value;
-    default: return failAt(p_);
+    default: return failAt(p);
   }
 
 member:
-  if (*p_ != '"') return failAt(p_);
-  ++p_;
-  if (!readString()) return false;
-  skipWhitespace();
-  if (*p_ != ':') return failAt(p_);
-  ++p_;
+  if (*p != '"') return failAt(p);
+  p = readString(p + 1);
+  if (p == nullptr) return false;
+  p = skipWhitespace(p);
+  if (*p != ':') return failAt(p);
+  ++p;
   goto value;
 
 after_value:
-  if (depth_ == 0) {
-    skipWhitespace();
-    return p_ == end_ || fail(JsonErrorKind::TrailingCharacter, p_);
-  }
-  skipWhitespace();
-  if (*p_ == ',') {
-    ++p_;
+  p = skipWhitespace(p);
+  if (depth_ == 0) return p == end_ || fail(JsonErrorKind::TrailingCharacter, p);
+  if (*p == ',') {
+    ++p;
     if (frames_[depth_ - 1].isObject) {
-      skipWhitespace();
+      p = skipWhitespace(p);
       goto member;
     }
     goto value;
   }
-  if (*p_ == (frames_[depth_ - 1].isObject ? '}' : ']')) {
-    ++p_;
+  if (*p == (frames_[depth_ - 1].isObject ? '}' : ']')) {
+    ++p;
     close();
     goto after_value;
   }
-  return failAt(p_);
+  return failAt(p);
 }
 
-bool Reader::open(bool isObject) {
-  if (depth_ == kMaxDepth) return fail(JsonErrorKind::TooDeep, p_);
+bool Reader::open(bool isObject, const char* at) {
+  if (depth_ == kMaxDepth) return fail(JsonErrorKind::TooDeep, at);
   frames_[depth_++] = Frame{static_cast<std::uint32_t>(pending_.size()), isObject};
-  ++p_;
   return true;
 }
 
@@ -520,37 +526,37 @@ JsonNode* Reader::copyToArena(const JsonNode* nodes, std::size_t count, std::siz
   return block;
 }
 
-bool Reader::readLiteral(const char* word, std::size_t length, NodeType type) {
+char* Reader::readLiteral(char* p, const char* word, std::size_t length, NodeType type) {
   // The padding makes reading `length` bytes safe even at the very end.
-  if (std::memcmp(p_, word, length) != 0) {
+  if (std::memcmp(p, word, length) != 0) {
     std::size_t same = 0;
-    while (p_[same] == word[same]) ++same;
-    return failAt(p_ + same);
+    while (p[same] == word[same]) ++same;
+    failAt(p + same);
+    return nullptr;
   }
-  p_ += length;
   push(type);
-  return true;
+  return p + length;
 }
 
-bool Reader::readStringFrom(char* const start, char* const special) {
+char* Reader::readStringFrom(char* const start, char* const special) {
   char* src = special;
   char* dst = src;
   for (;;) {
     const unsigned char c = byteAt(src);
     if (c == '"') break;
     if (c == '\\') {
-      if (!readEscape(src, dst)) return false;
+      if (!readEscape(src, dst)) return nullptr;
     } else if (c >= 0x80) {
       // The zero padding after the text keeps four bytes readable here.
       const unsigned length = utf8SequenceLength(src, 4);
-      if (length == 0) return fail(JsonErrorKind::InvalidUtf8, src);
+      if (length == 0) return failed(JsonErrorKind::InvalidUtf8, src);
       if (dst != src) moveShort(dst, src, length);
       src += length;
       dst += length;
     } else if (src >= end_) {
-      return fail(JsonErrorKind::UnexpectedEnd, end_);
+      return failed(JsonErrorKind::UnexpectedEnd, end_);
     } else {
-      return fail(JsonErrorKind::ControlCharacter, src);
+      return failed(JsonErrorKind::ControlCharacter, src);
     }
     if (dst == src) {
       src = findSpecial(src);
@@ -559,9 +565,8 @@ bool Reader::readStringFrom(char* const start, char* const special) {
       moveUntilSpecial(src, dst);
     }
   }
-  p_ = src + 1;
   push(NodeType::String, static_cast<std::uint32_t>(dst - start))->payload.chars = start;
-  return true;
+  return src + 1;
 }
 
 bool Reader::readEscape(char*& src, char*& dst) {
@@ -616,15 +621,14 @@ bool Reader::readEscape(char*& src, char*& dst) {
   return true;
 }
 
-bool Reader::readNumber() {
-  const char* const start = p_;
-  const char* s = p_;
+char* Reader::readNumber(char* const start) {
+  char* s = start;
   const bool negative = *s == '-';
   if (negative) ++s;
 
   // Integer part. Up to 19 digits always fit; more go the slow way.
   std::uint64_t mantissa = 0;
-  const char* const digitsStart = s;
+  char* const digitsStart = s;
   if (*s == '0') {
     ++s;
   } else if (isDigit(*s)) {
@@ -633,27 +637,25 @@ bool Reader::readNumber() {
       ++s;
     }
   } else {
-    return fail(JsonErrorKind::InvalidNumber, start);
+    return failed(JsonErrorKind::InvalidNumber, start);
   }
   auto digitCount = static_cast<std::size_t>(s - digitsStart);
 
   if (*s != '.' && *s != 'e' && *s != 'E') {
-    if (isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);  // leading zero
-    p_ = const_cast<char*>(s);
-    if (digitCount > 19) return readUnusualNumber(start, s, negative, true);
-    if (negative && mantissa > (std::uint64_t{1} << 63)) {
-      return readUnusualNumber(start, s, negative, true);
+    if (isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);  // leading zero
+    if (digitCount > 19 || (negative && mantissa > (std::uint64_t{1} << 63))) {
+      return readUnusualNumber(start, s, negative, true) ? s : nullptr;
     }
     pushInteger(negative, mantissa);
-    return true;
+    return s;
   }
 
   // Fraction and exponent.
   std::int64_t exponent = 0;
   if (*s == '.') {
     ++s;
-    if (!isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);
-    const char* const fractionStart = s;
+    if (!isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);
+    char* const fractionStart = s;
     while (isDigit(*s)) {
       mantissa = mantissa * 10 + static_cast<unsigned>(*s - '0');
       ++s;
@@ -665,7 +667,7 @@ bool Reader::readNumber() {
     ++s;
     const bool negativeExponent = *s == '-';
     if (*s == '-' || *s == '+') ++s;
-    if (!isDigit(*s)) return fail(JsonErrorKind::InvalidNumber, start);
+    if (!isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);
     std::int64_t written = 0;
     while (isDigit(*s)) {
       // Saturate; such exponents are left to the exact converter anyway.
@@ -674,7 +676,6 @@ bool Reader::readNumber() {
     }
     exponent += negativeExponent ? -written : written;
   }
-  p_ = const_cast<char*>(s);
 
   // Leading zeros of "0.000123" count as digits above but add nothing, so
   // the digit count is only an upper bound on the significant digits.
@@ -684,9 +685,9 @@ bool Reader::readNumber() {
     value =
         exponent < 0 ? value / kExactPowersOfTen[-exponent] : value * kExactPowersOfTen[exponent];
     push(NodeType::Double)->payload.d = negative ? -value : value;
-    return true;
+    return s;
   }
-  return readUnusualNumber(start, s, negative, false);
+  return readUnusualNumber(start, s, negative, false) ? s : nullptr;
 }
 
 // Integers of 20 or more digits, and every number the exact fast path
@@ -827,6 +828,8 @@ JsonParseResult parseJson(std::string_view bytes) {
     document->hashSeed = processHashSeed();
     char* const text = input.text.get();
     document->text = std::move(input.text);
+    // Indented text takes about 1.5 bytes of nodes per byte; compact text more.
+    document->arena.expect(2 * input.size);
     Reader reader(text, input.size, *document);
     if (!reader.parse()) {
       result.errorDescription = describeJsonError(bytes, reader.errorKind(), reader.errorOffset());
