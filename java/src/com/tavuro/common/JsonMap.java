@@ -15,33 +15,36 @@ import java.util.Set;
  * The map that a JSON object becomes: ordered by insertion like a {@code LinkedHashMap}, and
  * mutable in every way a {@code Map} is, but kept as one array of keys and values side by side
  * instead of one entry object per key. Up to eight keys are found by looking at each; beyond that
- * through an open-addressed index of entry numbers. Null keys and values are allowed.
+ * through an open-addressed index of entry numbers, built by the first lookup that needs it. Null
+ * keys and values are allowed.
  *
  * <p>Costs: {@code get}, {@code containsKey} and {@code put} take constant time (linear up to eight
- * keys); {@code remove} moves the later entries up and rebuilds the index, so it takes time in
- * proportion to the size. Not safe for use by several threads when any of them writes, like
- * {@code HashMap}; iterators fail fast on a change made other than through them.
+ * keys); {@code remove} moves the later entries up and drops the index, so it takes time in
+ * proportion to the size. Several threads may read at once, a lookup that builds the index
+ * included; like {@code HashMap} it is not safe when any of them writes. Iterators fail fast on a
+ * change made other than through them.
  */
 final class JsonMap extends AbstractMap<String, Object> implements Serializable {
   private static final long serialVersionUID = 1L;
 
-  /** Above this many keys the index is kept. */
+  /** Above this many keys, lookups go through the index. */
   private static final int LINEAR_MAX = 8;
 
   /** Key {@code i} at {@code 2 * i}, its value at {@code 2 * i + 1}, in insertion order. */
   private Object[] entries;
   private int size;
-  /** By hash, 1 + the number of the entry; 0 for a free slot. Null up to LINEAR_MAX keys. */
-  private int[] index;
+  /**
+   * By hash, 1 + the number of the entry; 0 for a free slot. Null up to LINEAR_MAX keys, and until
+   * a lookup needs it. Volatile, so that a reader that finds an index built by another reader also
+   * sees its slots.
+   */
+  private transient volatile int[] index;
   private transient int modCount;
 
   /** A map of the first {@code size} keys and values in {@code entries}, which it keeps. */
   JsonMap(Object[] entries, int size) {
     this.entries = entries;
     this.size = size;
-    if (size > LINEAR_MAX) {
-      rebuildIndex();
-    }
   }
 
   @Override
@@ -77,10 +80,13 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
     entries[2 * size + 1] = value;
     size++;
     modCount++;
-    if (index == null ? size > LINEAR_MAX : 2 * size > index.length) {
-      rebuildIndex();
-    } else if (index != null) {
-      index[freeSlot(index, key)] = size;
+    int[] slots = index;
+    if (slots != null) {
+      if (2 * size > slots.length) {
+        index = null;
+      } else {
+        slots[freeSlot(slots, key)] = size;
+      }
     }
     return null;
   }
@@ -128,7 +134,7 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
   /** The number of the entry of {@code key}; -1 when it has none. */
   private int find(@Nullable Object key) {
     Object[] e = entries;
-    if (index == null) {
+    if (size <= LINEAR_MAX) {
       for (int i = 0; i < size; i++) {
         if (Objects.equals(key, e[2 * i])) {
           return i;
@@ -136,9 +142,14 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
       }
       return -1;
     }
-    int mask = index.length - 1;
+    int[] slots = index;
+    if (slots == null) {
+      slots = buildIndex();
+      index = slots;
+    }
+    int mask = slots.length - 1;
     for (int slot = hash(key) & mask;; slot = (slot + 1) & mask) {
-      int number = index[slot];
+      int number = slots[slot];
       if (number == 0) {
         return -1;
       }
@@ -157,17 +168,13 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
     return slot;
   }
 
-  /** An index at most half full, or none for a map of LINEAR_MAX keys or fewer. */
-  private void rebuildIndex() {
-    if (size <= LINEAR_MAX) {
-      index = null;
-      return;
-    }
+  /** An index of all keys, at most half full. */
+  private int[] buildIndex() {
     int[] fresh = new int[Integer.highestOneBit(2 * size - 1) << 1];
     for (int i = 0; i < size; i++) {
       fresh[freeSlot(fresh, entries[2 * i])] = i + 1;
     }
-    index = fresh;
+    return fresh;
   }
 
   private void removeAt(int i) {
@@ -176,7 +183,7 @@ final class JsonMap extends AbstractMap<String, Object> implements Serializable 
     entries[2 * size] = null;
     entries[2 * size + 1] = null;
     modCount++;
-    rebuildIndex();
+    index = null;
   }
 
   private final class EntryIterator implements Iterator<Map.Entry<String, Object>> {

@@ -45,10 +45,25 @@ final class JsonTree {
   private static final class KnownKey {
     final byte[] bytes;
     final String key;
+    /** The first and last eight bytes, or all bytes of a shorter key, little-endian. */
+    final long head;
+    final long tail;
 
     KnownKey(byte[] bytes, String key) {
       this.bytes = bytes;
       this.key = key;
+      int n = bytes.length;
+      if (n >= 8) {
+        head = (long) LONG_LE.get(bytes, 0);
+        tail = (long) LONG_LE.get(bytes, n - 8);
+      } else {
+        long h = 0;
+        for (int i = n - 1; i >= 0; i--) {
+          h = h << 8 | (bytes[i] & 0xff);
+        }
+        head = h;
+        tail = 0;
+      }
     }
   }
 
@@ -158,8 +173,7 @@ final class JsonTree {
     int length = (int) unsigned();
     int slot = hash & (KEY_CACHE.length - 1);
     KnownKey known = KEY_CACHE[slot];
-    if (known != null && known.bytes.length == length
-        && Arrays.equals(known.bytes, 0, length, bytes, pos, pos + length)) {
+    if (known != null && known.bytes.length == length && isAt(known, pos)) {
       pos += length;
       return known.key;
     }
@@ -169,6 +183,22 @@ final class JsonTree {
         : new String(keyBytes, StandardCharsets.UTF_8));
     KEY_CACHE[slot] = known;
     return known.key;
+  }
+
+  /**
+   * Whether the bytes at {@code at} are those of {@code known}, of the same length: up to 16 bytes
+   * are compared as whole words, which are in the array when the key is 8 bytes or longer.
+   */
+  private boolean isAt(KnownKey known, int at) {
+    int length = known.bytes.length;
+    if (length >= 8 && length <= 16) {
+      return (long) LONG_LE.get(bytes, at) == known.head
+          && (long) LONG_LE.get(bytes, at + length - 8) == known.tail;
+    }
+    if (length < 8 && at + 8 <= bytes.length) {
+      return ((long) LONG_LE.get(bytes, at) & ((1L << (length << 3)) - 1)) == known.head;
+    }
+    return Arrays.equals(known.bytes, 0, length, bytes, at, at + length);
   }
 
   @SuppressWarnings("deprecation") // the one constructor that copies bytes as Latin-1 directly

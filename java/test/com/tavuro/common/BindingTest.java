@@ -241,6 +241,29 @@ class BindingTest {
       new java.io.ObjectOutputStream(bytes).writeObject(ours);
       assertEquals(theirs, new java.io.ObjectInputStream(
           new java.io.ByteArrayInputStream(bytes.toByteArray())).readObject());
+      // Readers on several threads at once, the first lookups building the index.
+      java.util.concurrent.ExecutorService pool =
+          java.util.concurrent.Executors.newFixedThreadPool(3);
+      try {
+        for (int round = 0; round < 50; round++) {
+          Map<String, Object> fresh = Utils.convertToDictionary(json.toString());
+          java.util.concurrent.CyclicBarrier start = new java.util.concurrent.CyclicBarrier(3);
+          java.util.concurrent.Callable<Boolean> reader = () -> {
+            start.await();
+            boolean all = true;
+            for (int i = 0; i < keys; i++) {
+              all &= Long.valueOf(i).equals(fresh.get("k" + i));
+            }
+            return all;
+          };
+          for (java.util.concurrent.Future<Boolean> read :
+              pool.invokeAll(List.of(reader, reader, reader))) {
+            assertTrue(read.get());
+          }
+        }
+      } finally {
+        pool.shutdown();
+      }
     }
   }
 
