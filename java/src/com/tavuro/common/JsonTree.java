@@ -15,9 +15,10 @@ import java.util.Map;
  * lists, in one pass. The form, written by java/jni/TavuroCommonJni.cpp: each value is a tag byte
  * and its payload; counts and lengths are unsigned LEB128; integers zigzag LEB128; doubles and
  * unsigned integers 8 bytes little-endian; a key is 0, two bytes of its hash and a string value
- * the first time it occurs, and later its number in the order of those first occurrences, from 1. Strings whose bytes are all ASCII have a tag of their own; long strings
- * travel beside the buffer, referred to by their number: as a byte array when they are ASCII,
- * else as a Java string.
+ * the first time it occurs, and later its number in the order of those first occurrences, from
+ * 1. Strings whose bytes are all ASCII have a tag of their own; long strings travel beside the
+ * buffer, referred to by their number: as a byte array when they are ASCII, else as a Java
+ * string.
  */
 final class JsonTree {
   static final int NULL = 0;
