@@ -39,6 +39,7 @@ namespace tavuro::platform {
 namespace {
 
 constexpr std::size_t kMaxDepth = 512;
+constexpr std::size_t kFirstNodeBlockMax = 16 * 1024;
 // Below this many members an object is searched front to back; from it on it
 // gets a hash index.
 constexpr std::uint32_t kIndexedObjectMinMembers = 16;
@@ -828,8 +829,10 @@ JsonParseResult parseJson(std::string_view bytes) {
     document->hashSeed = processHashSeed();
     char* const text = input.text.get();
     document->text = std::move(input.text);
-    // Indented text takes about 1.5 bytes of nodes per byte; compact text more.
-    document->arena.expect(2 * input.size);
+    // Room for the nodes of a typical answer in the first block (answers
+    // take about one byte of nodes per byte of text), but not so much that
+    // a text of a few long strings leaves most of it unused.
+    document->arena.expect(std::min(input.size + input.size / 2, kFirstNodeBlockMax));
     Reader reader(text, input.size, *document);
     if (!reader.parse()) {
       result.errorDescription = describeJsonError(bytes, reader.errorKind(), reader.errorOffset());
