@@ -84,6 +84,7 @@ class NodeArena {
 
   /// Makes the first chunk about `bytes` large, within the usual chunk
   /// sizes, so that a document whose nodes take about that much gets one.
+  /// Has no effect once a chunk exists.
   void expect(std::size_t bytes) noexcept;
 
   static void freeChunks(Chunk* list) noexcept;

@@ -3,7 +3,7 @@
 // The text is copied once into a buffer owned by the document (converted to
 // UTF-8 first when it arrives as UTF-16 or UTF-32) and parsed in place:
 // a string without escapes stays where it is, and escapes are decoded by
-// moving the rest of their string forward. The buffer ends in kPadding zero
+// moving the rest of their string forward. The buffer ends in kJsonPadding zero
 // bytes, so the scanners may read ahead without bounds checks: a zero byte
 // stops every one of them, and only then is the end of the text looked at.
 //
@@ -39,6 +39,7 @@ namespace tavuro::platform {
 namespace {
 
 constexpr std::size_t kMaxDepth = 512;
+// The first block of a document's nodes is sized from its text, up to this.
 constexpr std::size_t kFirstNodeBlockMax = 16 * 1024;
 // Below this many members an object is searched front to back; from it on it
 // gets a hash index.
@@ -79,6 +80,7 @@ inline bool isDigit(char c) noexcept {
   return static_cast<unsigned char>(c - '0') < 10;
 }
 
+#if defined(TAVURO_JSON_SSE2)
 inline unsigned countTrailingZeros(std::uint32_t mask) noexcept {
 #if defined(__GNUC__) || defined(__clang__)
   return static_cast<unsigned>(__builtin_ctz(mask));
@@ -91,6 +93,7 @@ inline unsigned countTrailingZeros(std::uint32_t mask) noexcept {
   return n;
 #endif
 }
+#endif
 
 #if !defined(TAVURO_JSON_SSE2)
 // True when any byte of the word is special inside a string. Each test is
@@ -312,7 +315,7 @@ class Reader {
     return false;
   }
   // fail() for the readers that return a position.
-  std::nullptr_t failed(JsonErrorKind kind, const char* at) noexcept {
+  std::nullptr_t failWithNull(JsonErrorKind kind, const char* at) noexcept {
     fail(kind, at);
     return nullptr;
   }
@@ -369,11 +372,11 @@ class Reader {
     }
   }
 
+  bool open(bool isObject, const char* at);
+  void close();
   // The readers of values below take the position of the value's first
   // byte (after the quote, for strings) and return the position after it,
   // or null when it is not valid.
-  bool open(bool isObject, const char* at);
-  void close();
   char* readLiteral(char* p, const char* word, std::size_t length, NodeType type);
   // Inline for a string without escapes or multi-byte characters, the most
   // common kind; anything else continues out of line.
@@ -405,7 +408,8 @@ class Reader {
 
 bool Reader::parse() {
   // The position is a local, not a member, so that it stays in a register:
-  // every node written is a store that could alias a member.
+  // the char stores of unescaping and of node fields could alias a member
+  // and would force it to be reloaded after each.
   char* p = skipWhitespace(begin_);
   if (*p != '{' && *p != '[') {
     return fail(p >= end_ ? JsonErrorKind::UnexpectedEnd : JsonErrorKind::NotAContainer, p);
@@ -550,14 +554,14 @@ char* Reader::readStringFrom(char* const start, char* const special) {
     } else if (c >= 0x80) {
       // The zero padding after the text keeps four bytes readable here.
       const unsigned length = utf8SequenceLength(src, 4);
-      if (length == 0) return failed(JsonErrorKind::InvalidUtf8, src);
+      if (length == 0) return failWithNull(JsonErrorKind::InvalidUtf8, src);
       if (dst != src) moveShort(dst, src, length);
       src += length;
       dst += length;
     } else if (src >= end_) {
-      return failed(JsonErrorKind::UnexpectedEnd, end_);
+      return failWithNull(JsonErrorKind::UnexpectedEnd, end_);
     } else {
-      return failed(JsonErrorKind::ControlCharacter, src);
+      return failWithNull(JsonErrorKind::ControlCharacter, src);
     }
     if (dst == src) {
       src = findSpecial(src);
@@ -638,12 +642,12 @@ char* Reader::readNumber(char* const start) {
       ++s;
     }
   } else {
-    return failed(JsonErrorKind::InvalidNumber, start);
+    return failWithNull(JsonErrorKind::InvalidNumber, start);
   }
   auto digitCount = static_cast<std::size_t>(s - digitsStart);
 
   if (*s != '.' && *s != 'e' && *s != 'E') {
-    if (isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);  // leading zero
+    if (isDigit(*s)) return failWithNull(JsonErrorKind::InvalidNumber, start);  // leading zero
     if (digitCount > 19 || (negative && mantissa > (std::uint64_t{1} << 63))) {
       return readUnusualNumber(start, s, negative, true) ? s : nullptr;
     }
@@ -655,7 +659,7 @@ char* Reader::readNumber(char* const start) {
   std::int64_t exponent = 0;
   if (*s == '.') {
     ++s;
-    if (!isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);
+    if (!isDigit(*s)) return failWithNull(JsonErrorKind::InvalidNumber, start);
     char* const fractionStart = s;
     while (isDigit(*s)) {
       mantissa = mantissa * 10 + static_cast<unsigned>(*s - '0');
@@ -668,7 +672,7 @@ char* Reader::readNumber(char* const start) {
     ++s;
     const bool negativeExponent = *s == '-';
     if (*s == '-' || *s == '+') ++s;
-    if (!isDigit(*s)) return failed(JsonErrorKind::InvalidNumber, start);
+    if (!isDigit(*s)) return failWithNull(JsonErrorKind::InvalidNumber, start);
     std::int64_t written = 0;
     while (isDigit(*s)) {
       // Saturate; such exponents are left to the exact converter anyway.
@@ -829,9 +833,9 @@ JsonParseResult parseJson(std::string_view bytes) {
     document->hashSeed = processHashSeed();
     char* const text = input.text.get();
     document->text = std::move(input.text);
-    // Room for the nodes of a typical answer in the first block (answers
-    // take about one byte of nodes per byte of text), but not so much that
-    // a text of a few long strings leaves most of it unused.
+    // Half as much again as the nodes of a typical answer take (about one
+    // byte per byte of text), so that they fit in the first block; capped,
+    // so that a text of a few long strings leaves little of it unused.
     document->arena.expect(std::min(input.size + input.size / 2, kFirstNodeBlockMax));
     Reader reader(text, input.size, *document);
     if (!reader.parse()) {

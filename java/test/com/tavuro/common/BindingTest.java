@@ -241,28 +241,58 @@ class BindingTest {
       new java.io.ObjectOutputStream(bytes).writeObject(ours);
       assertEquals(theirs, new java.io.ObjectInputStream(
           new java.io.ByteArrayInputStream(bytes.toByteArray())).readObject());
-      // Readers on several threads at once, the first lookups building the index.
-      java.util.concurrent.ExecutorService pool =
-          java.util.concurrent.Executors.newFixedThreadPool(3);
-      try {
-        for (int round = 0; round < 50; round++) {
-          Map<String, Object> fresh = Utils.convertToDictionary(json.toString());
-          java.util.concurrent.CyclicBarrier start = new java.util.concurrent.CyclicBarrier(3);
-          java.util.concurrent.Callable<Boolean> reader = () -> {
-            start.await();
-            boolean all = true;
-            for (int i = 0; i < keys; i++) {
-              all &= Long.valueOf(i).equals(fresh.get("k" + i));
-            }
-            return all;
-          };
-          for (java.util.concurrent.Future<Boolean> read :
-              pool.invokeAll(List.of(reader, reader, reader))) {
-            assertTrue(read.get());
+    }
+    // Readers on several threads at once, the first lookups building the index.
+    StringBuilder json = new StringBuilder("{\"k0\":0");
+    for (int i = 1; i < 5000; i++) {
+      json.append(",\"k").append(i).append("\":").append(i);
+    }
+    java.util.concurrent.ExecutorService pool =
+        java.util.concurrent.Executors.newFixedThreadPool(3);
+    try {
+      for (int round = 0; round < 20; round++) {
+        Map<String, Object> fresh = Utils.convertToDictionary(json + "}");
+        java.util.concurrent.CyclicBarrier start = new java.util.concurrent.CyclicBarrier(3);
+        java.util.concurrent.Callable<Boolean> reader = () -> {
+          start.await();
+          boolean all = true;
+          for (int i = 0; i < 5000; i++) {
+            all &= Long.valueOf(i).equals(fresh.get("k" + i));
+          }
+          return all;
+        };
+        for (java.util.concurrent.Future<Boolean> read :
+            pool.invokeAll(List.of(reader, reader, reader))) {
+          assertTrue(read.get());
+        }
+      }
+    } finally {
+      pool.shutdown();
+    }
+  }
+
+  @Test
+  void keysThatShareACacheSlotAreToldApart() {
+    // Hand-made trees {key: null} whose keys claim the same hash, so that each is compared with
+    // the String cached for the one before: equal length, one byte different, with and without
+    // bytes after the tree.
+    for (int length = 0; length <= 20; length++) {
+      for (int at = 0; at < Math.max(1, length); at++) {
+        for (int trailing : new int[] {0, 8}) {
+          byte[] a = new byte[length];
+          Arrays.fill(a, (byte) 'a');
+          byte[] b = a.clone();
+          if (length > 0) {
+            b[at] = 'b';
+          }
+          for (byte[] key : List.of(a, b)) {
+            byte[] head = {JsonTree.OBJECT, 1, 0, 0x34, 0x12, JsonTree.ASCII_STRING, (byte) length};
+            byte[] tree = Arrays.copyOf(head, head.length + length + 1 + trailing); // value: null
+            System.arraycopy(key, 0, tree, head.length, length);
+            assertEquals(new String(key, StandardCharsets.US_ASCII),
+                JsonTree.decodeObject(tree).keySet().iterator().next());
           }
         }
-      } finally {
-        pool.shutdown();
       }
     }
   }
