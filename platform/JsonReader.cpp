@@ -40,7 +40,7 @@ namespace {
 
 constexpr std::size_t kMaxDepth = 512;
 // The first block of a document's nodes is sized from its text, up to this.
-constexpr std::size_t kFirstNodeBlockMax = 16 * 1024;
+constexpr std::size_t kFirstNodeBlockMax = std::size_t{16} * 1024;
 // Below this many members an object is searched front to back; from it on it
 // gets a hash index.
 constexpr std::uint32_t kIndexedObjectMinMembers = 16;
